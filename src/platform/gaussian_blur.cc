@@ -37,10 +37,13 @@ std::vector<ExtendedBox> ExtendedBoxes(double sigma) {
 BlurPlan MakePlan(double sigma) {
   BlurPlan plan;
   if (sigma < kExactBlurMaxSigma) {
+    // Each tap is the Gaussian's mass over one pixel's width, not its value
+    // at the pixel centre: the two differ visibly below σ ≈ 1.
     plan.reach = std::max(1, static_cast<int>(std::ceil(3.5 * sigma)));
+    auto cdf = [sigma](double x) { return 0.5 * std::erfc(-x / (sigma * std::sqrt(2.0))); };
     double sum = 0;
     for (int j = -plan.reach; j <= plan.reach; ++j) {
-      double weight = std::exp(-0.5 * j * j / (sigma * sigma));
+      double weight = cdf(j + 0.5) - cdf(j - 0.5);
       plan.kernel.push_back(static_cast<float>(weight));
       sum += weight;
     }
