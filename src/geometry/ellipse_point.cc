@@ -2,6 +2,11 @@
 
 #include <cmath>
 
+// Results must not depend on the compiler fusing multiplies and adds.
+#ifdef __clang__
+#pragma clang fp contract(off)
+#endif
+
 namespace paintdoc {
 namespace {
 
