@@ -1,0 +1,31 @@
+// The expected values written by make_geometry_fixtures.py: one named case a
+// line, followed by its numbers.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/geometry.h"
+
+namespace paintdoc::test {
+
+class FixtureFile {
+ public:
+  // Reads tests/data/<relative>; a missing file fails the calling test.
+  explicit FixtureFile(const std::string& relative);
+
+  // The numbers of one case; an unknown case fails the calling test and
+  // answers an empty list.
+  const std::vector<double>& values(const std::string& name) const;
+  // The names of all cases that begin with `prefix`.
+  std::vector<std::string> namesStartingWith(const std::string& prefix) const;
+
+ private:
+  std::map<std::string, std::vector<double>> cases_;
+};
+
+// Two consecutive numbers of a case as a point.
+Point PointAt(const std::vector<double>& values, size_t index);
+
+}  // namespace paintdoc::test
