@@ -65,6 +65,8 @@ void SetAntialiasFrom(cairo_t* target, cairo_t* model) {
 
 }  // namespace
 
+bool Primitive::paintIsBounded(cairo_operator_t op) const { return !IsUnboundedInCairo(op); }
+
 // --- sources
 
 Source::Source(PatternPtr geometry, const Gradient& gradient)
@@ -217,27 +219,34 @@ std::optional<DeviceRect> ImagePrimitive::deviceExtents(cairo_t* cr) const {
                          destination_.maxY());
 }
 
-// --- layers
+// --- groups (layers and cairo drawing)
 
-void LayerPrimitive::paint(cairo_t* cr, double alpha) const {
-  cairo_set_source(cr, layer_.get());
+void GroupPrimitive::paint(cairo_t* cr, double alpha) const {
+  cairo_set_source(cr, group_.get());
   PaintWithAlpha(cr, alpha);
 }
 
-void LayerPrimitive::paintCoverage(cairo_t* cr) const {
+void GroupPrimitive::paintCoverage(cairo_t* cr) const {
   cairo_set_source_rgba(cr, 0, 0, 0, 1);
-  cairo_mask(cr, layer_.get());
+  cairo_mask(cr, group_.get());
 }
 
-std::optional<DeviceRect> LayerPrimitive::deviceExtents(cairo_t*) const {
+bool GroupPrimitive::paintIsBounded(cairo_operator_t op) const {
+  // Painting the group covers the whole clip; only operators that keep the
+  // destination where the source is transparent stay within what was drawn.
+  return Primitive::paintIsBounded(op) && op != CAIRO_OPERATOR_SOURCE &&
+         op != CAIRO_OPERATOR_CLEAR;
+}
+
+std::optional<DeviceRect> GroupPrimitive::deviceExtents(cairo_t*) const {
   cairo_surface_t* surface = nullptr;
-  if (cairo_pattern_get_surface(layer_.get(), &surface) != CAIRO_STATUS_SUCCESS ||
+  if (cairo_pattern_get_surface(group_.get(), &surface) != CAIRO_STATUS_SUCCESS ||
       cairo_surface_get_type(surface) != CAIRO_SURFACE_TYPE_IMAGE) {
     return std::nullopt;
   }
   double offsetX = 0, offsetY = 0;
   cairo_surface_get_device_offset(surface, &offsetX, &offsetY);
-  // Device coordinates plus the offset give the layer's pixels.
+  // Device coordinates plus the offset give the group's pixels.
   return DeviceRect{static_cast<int>(-offsetX), static_cast<int>(-offsetY),
                     cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface)};
 }
@@ -312,7 +321,7 @@ void CompositePrimitive(cairo_t* cr, const Primitive& primitive, cairo_operator_
   if (alpha <= 0 && op != CAIRO_OPERATOR_SOURCE && op != CAIRO_OPERATOR_CLEAR) return;
   cairo_save(cr);
   cairo_set_operator(cr, op);
-  if (primitive.isLayer() || !IsUnboundedInCairo(op)) {
+  if (primitive.isLayer() || primitive.paintIsBounded(op)) {
     primitive.paint(cr, alpha);
   } else if (primitive.clipToShape(cr)) {
     // The clip's coverage mixes the result with the destination: bounded.

@@ -309,7 +309,18 @@ void GraphicsContext::endTransparencyLayer() {
   }
   states_.pop_back();
   PatternPtr layer(cairo_pop_group(cr_));
-  draw(LayerPrimitive(std::move(layer)));
+  draw(GroupPrimitive(std::move(layer), /*isLayer=*/true));
+}
+
+void GraphicsContext::drawWithCairo(const std::function<void(cairo_t*)>& paint) {
+  cairo_push_group(cr_);
+  cairo_save(cr_);
+  cairo_set_operator(cr_, CAIRO_OPERATOR_OVER);
+  cairo_set_antialias(cr_, state().antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+  paint(cr_);
+  cairo_restore(cr_);
+  PatternPtr drawn(cairo_pop_group(cr_));
+  draw(GroupPrimitive(std::move(drawn), /*isLayer=*/false));
 }
 
 // --- one primitive: its shadow, then itself

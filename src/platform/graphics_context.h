@@ -33,6 +33,7 @@
 
 #include <cairo.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -166,9 +167,11 @@ class GraphicsContext {
   // Composites the layer begun last onto what lies below, as one object.
   void endTransparencyLayer();
 
-  // --- for the drawing implementation
-
-  cairo_t* cairoContext() const { return cr_; }
+  // Draws whatever `paint` draws on the cairo context it is given (in user
+  // space, with its own sources, e.g. a text layout) as one primitive: with
+  // the current operation, alpha, shadow and clip. cairo state that `paint`
+  // changes does not outlive the call.
+  void drawWithCairo(const std::function<void(cairo_t*)>& paint);
 
  private:
   struct State {

@@ -248,6 +248,36 @@ TEST(GraphicsContextCompositing, LayerCompositeActsOnTheWholeClip) {
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "layer_unbounded_in_clip"));
 }
 
+// Text and other cairo drawing pass through drawWithCairo: in user space, as
+// one primitive with the context's operation, alpha and shadow.
+TEST(GraphicsContextCompositing, CairoDrawingIsOnePrimitiveBoundedByWhatItDrew) {
+  auto bitmap = Bitmap::create(12, 10);
+  {
+    BitmapFocus focus(bitmap);
+    GraphicsContext& gc = focus.context();
+    gc.setFillColor(kBlue);
+    gc.fillRect(MakeRect(0, 0, 12, 10));
+    gc.setCompositingOperation(CompositingOperation::Copy);
+    gc.setAlpha(0.5);
+    gc.setShadow(Shadow(Color::blackColor(), {0, -2}, 0));
+    gc.drawWithCairo([](cairo_t* cr) {
+      cairo_set_source_rgba(cr, 1, 0, 0, 1);
+      cairo_rectangle(cr, 2, 6, 4, 3);  // y up, like the context
+      cairo_fill(cr);
+      cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);  // must not leak out
+    });
+    EXPECT_EQ(gc.compositingOperation(), CompositingOperation::Copy);
+  }
+  // The shadow (2 below) is copied at half alpha, then the red at half alpha
+  // replaces what lies under it; the rest stays blue.
+  auto expected = MakeImage(12, 10, [](int x, int y) {
+    if (Inside(x, y, 2, 6, 6, 9)) return PixelValue::straight(1, 0, 0, 0.5).toRgba8();
+    if (Inside(x, y, 2, 4, 6, 6)) return PixelValue::straight(0, 0, 0, 0.5).toRgba8();
+    return Rgba8{0, 0, 255, 255};
+  });
+  EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 1, "cairo_drawing_primitive"));
+}
+
 TEST(GraphicsContextCompositing, GlobalAlphaScalesFillsAndCopyReplacesWithIt) {
   auto bitmap = Bitmap::create(6, 2);
   {
