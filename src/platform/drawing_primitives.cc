@@ -35,6 +35,16 @@ DeviceRect Intersect(const DeviceRect& a, const DeviceRect& b) {
   return {left, top, std::max(0, right - left), std::max(0, bottom - top)};
 }
 
+// The smallest rectangle holding both (an empty one is ignored).
+DeviceRect Union(const DeviceRect& a, const DeviceRect& b) {
+  if (a.isEmpty()) return b;
+  if (b.isEmpty()) return a;
+  int left = std::min(a.x, b.x), top = std::min(a.y, b.y);
+  int right = std::max(a.x + a.width, b.x + b.width);
+  int bottom = std::max(a.y + a.height, b.y + b.height);
+  return {left, top, right - left, bottom - top};
+}
+
 DeviceRect Expand(const DeviceRect& r, int by) {
   return {r.x - by, r.y - by, r.width + 2 * by, r.height + 2 * by};
 }
@@ -348,16 +358,17 @@ std::optional<ShadowMask> RenderShadowMask(cairo_t* cr, const Primitive& primiti
   // Device space runs y down; the offset runs y up.
   double shiftX = offset.width, shiftY = -offset.height;
   int reach = GaussianBlurReach(sigma) + 1;
-  // Mask pixels that can reach a visible pixel once blurred and shifted...
-  DeviceRect needed = Expand({visible.x - static_cast<int>(std::ceil(shiftX)),
-                              visible.y - static_cast<int>(std::ceil(shiftY)),
-                              visible.width + 2, visible.height + 2},
-                             reach);
-  // ...and that the primitive covers at all.
-  if (auto extents = primitive.deviceExtents(cr)) needed = Intersect(needed, *extents);
-  if (needed.isEmpty()) return std::nullopt;
-  DeviceRect region = Expand(needed, reach);  // room for the blur to spread
-
+  // Mask pixels that show once shifted (a pixel more for a fractional shift)...
+  DeviceRect shown{visible.x - static_cast<int>(std::ceil(shiftX)),
+                   visible.y - static_cast<int>(std::ceil(shiftY)), visible.width + 2,
+                   visible.height + 2};
+  // ...and that the blurred primitive can reach at all.
+  std::optional<DeviceRect> content = primitive.deviceExtents(cr);
+  DeviceRect output = content ? Intersect(shown, Expand(*content, reach)) : shown;
+  if (output.isEmpty()) return std::nullopt;
+  // The mask holds those pixels and every covered pixel within reach of them.
+  DeviceRect region = Expand(output, reach);
+  if (content) region = Union(output, Intersect(region, *content));
   SurfacePtr mask(cairo_image_surface_create(CAIRO_FORMAT_A8, region.width, region.height));
   if (cairo_surface_status(mask.get()) != CAIRO_STATUS_SUCCESS) return std::nullopt;
   {

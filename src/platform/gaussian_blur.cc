@@ -57,7 +57,7 @@ BlurPlan MakePlan(double sigma) {
 
 // The two passes are the blur's hot loops: on processors with AVX2 a
 // second, wider build of them is picked at load time.
-#if defined(__x86_64__) && !defined(PAINTDOC_FUZZ)
+#if defined(__x86_64__)
 #define PAINTDOC_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
 #else
 #define PAINTDOC_VECTOR_CLONES

@@ -193,6 +193,7 @@ class GraphicsContext {
   std::shared_ptr<Bitmap> bitmap_;
   cairo_surface_t* surface_ = nullptr;
   cairo_t* cr_ = nullptr;
+  cairo_matrix_t base_;        // default user space → device pixels
   std::vector<State> states_;  // back() is the current state
 };
 

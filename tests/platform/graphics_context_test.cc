@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <thread>
 
 #include "platform/log.h"
@@ -431,6 +432,40 @@ TEST(GraphicsContextTransform, ConcatAppliesBeforeTheCurrentTransform) {
     return Inside(x, y, 3, 3, 5, 7) ? Rgba8{0, 0, 255, 255} : Rgba8{};
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "concat_rotation"));
+}
+
+// Damaged documents carry NaNs and absurd sizes; none may put cairo into its
+// error state, which would silently end all later drawing.
+TEST(GraphicsContextRobustness, HostileValuesDrawNothingAndLeaveTheContextWorking) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  auto bitmap = Bitmap::create(8, 8);
+  auto image = Bitmap::create(2, 2);
+  {
+    BitmapFocus focus(bitmap);
+    GraphicsContext& gc = focus.context();
+    BezierPath broken;
+    broken.moveTo({0, 0});
+    broken.lineTo({nan, 4});
+    broken.lineTo({4, infinity});
+    gc.fill(broken);
+    gc.stroke(broken);
+    BezierPath wide = BezierPath::withRect(MakeRect(1, 1, 2, 2));
+    wide.setLineWidth(infinity);
+    wide.setLineDash({1, 1}, nan);
+    gc.setShadow(Shadow(Color::blackColor(), {nan, 1}, 3));
+    gc.fill(wide);
+    gc.setShadow(Shadow(Color::blackColor(), {1, 1}, 1e12));  // huge blur: bounded
+    gc.fill(wide);
+    gc.setShadow(std::nullopt);
+    gc.fillRect(MakeRect(nan, 0, 4, 4));
+    gc.drawBitmap(*image, MakeRect(0, 0, infinity, 4), ZeroRect(), CompositingOperation::Copy, 1);
+    gc.drawGradient(Gradient::withStartingColor(Color::redColor(), Color::blueColor()), wide, nan);
+    gc.setFillColor(Color::calibratedRGB(nan, 2, -1, 1));
+    gc.fillRect(MakeRect(4, 4, 4, 4));
+  }
+  // The last fill still landed: the context never broke.
+  EXPECT_EQ(PixelAt(*bitmap, 6, 6), (Rgba8{0, 255, 0, 255}));
 }
 
 }  // namespace
