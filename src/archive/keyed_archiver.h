@@ -30,7 +30,6 @@
 namespace paintdoc {
 
 class Bitmap;
-class PlistBuilder;
 
 // The archived classes of rich text.
 enum class AttributedStringClass { AttributedString, MutableAttributedString, TextStorage };
@@ -101,9 +100,17 @@ class KeyedArchiver {
 
  private:
   friend class ArchiveObjectWriter;
+  struct State;
 
-  std::unique_ptr<PlistBuilder> builder_;
-  bool finished_ = false;
+  // Adds a value under a key of the object being encoded (replacing an earlier one).
+  void put(std::string_view key, uint32_t node);
+  bool checkOpen() const;
+  uint64_t archiveCodable(const Codable& object);
+  uint64_t classDescription(std::span<const std::string> classChain);
+  uint64_t beginObject(std::span<const std::string> classChain);
+  void endObject();
+
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace paintdoc
