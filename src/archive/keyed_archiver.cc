@@ -36,7 +36,8 @@ struct KeyedArchiver::State {
   PropertyList plist;
   std::vector<uint32_t> objects;  // "$objects": the node of each UID
   std::vector<Frame> frames;      // frames[0] is "$top"
-  std::unordered_map<const Object*, uint64_t> objectUids;
+  // Model objects and bitmaps by identity: each instance is written once.
+  std::unordered_map<const void*, uint64_t> objectUids;
   std::map<std::vector<std::string>, uint64_t> classUids;
   std::unordered_map<std::string, uint64_t> stringUids;
 };
@@ -283,6 +284,9 @@ void KeyedArchiver::encodeAttributedStringForKey(const AttributedString& value,
 void KeyedArchiver::encodeBitmapForKey(const Bitmap& value, std::string_view key) {
   if (checkOpen()) EncodeWith(*this, key, [&](auto& w) { return WriteBitmapImageRep(w, value); });
 }
+void KeyedArchiver::encodeBitmapForKey(const std::shared_ptr<Bitmap>& value, std::string_view key) {
+  encodeValueForKey(ArchiveValue(value), key);
+}
 void KeyedArchiver::encodeImageForKey(const ArchivedImage& value, std::string_view key) {
   if (checkOpen()) EncodeWith(*this, key, [&](auto& w) { return WriteImage(w, value); });
 }
@@ -351,6 +355,14 @@ uint64_t ArchiveObjectWriter::archive(const ArchiveValue& value) {
     case ArchiveValue::Kind::Data:
       if (!value.isMutable()) return bare(s.plist.addDataView(*value.asData()));
       break;
+    case ArchiveValue::Kind::Bitmap: {
+      const auto bitmap = value.asBitmap();
+      if (!bitmap) return 0;
+      if (auto it = s.objectUids.find(bitmap.get()); it != s.objectUids.end()) return it->second;
+      const uint64_t uid = WriteValueObject(*this, value);
+      if (uid) s.objectUids.emplace(bitmap.get(), uid);
+      return uid;
+    }
     case ArchiveValue::Kind::Object: {
       auto object = value.asObject<Codable>();
       if (!object) {

@@ -94,6 +94,8 @@ class KeyedArchiver {
       const AttributedString& value, std::string_view key,
       AttributedStringClass archivedClass = AttributedStringClass::TextStorage);
   void encodeBitmapForKey(const Bitmap& value, std::string_view key);
+  // The same; one bitmap instance encoded twice is written once and shared.
+  void encodeBitmapForKey(const std::shared_ptr<Bitmap>& value, std::string_view key);
   void encodeImageForKey(const ArchivedImage& value, std::string_view key);
   // Any value (absent writes the null reference).
   void encodeValueForKey(const ArchiveValue& value, std::string_view key);
@@ -111,6 +113,7 @@ class KeyedArchiver {
   void endObject();
 
   std::unique_ptr<State> state_;
+  bool finished_ = false;
 };
 
 }  // namespace paintdoc
