@@ -63,7 +63,9 @@ double ArchiveValue::toDouble() const {
 
 int64_t ArchiveValue::toInt64() const {
   if (const auto* i = std::get_if<int64_t>(&value_)) return *i;
-  if (const auto* u = std::get_if<UnsignedInteger>(&value_)) return static_cast<int64_t>(u->value);
+  if (const auto* u = std::get_if<UnsignedInteger>(&value_)) {
+    return u->value > uint64_t{INT64_MAX} ? INT64_MAX : static_cast<int64_t>(u->value);
+  }
   const double d = toDouble();
   // Reals truncate toward zero; out-of-range values saturate, NaN reads 0.
   if (std::isnan(d)) return 0;
