@@ -73,6 +73,8 @@ class Color {
   friend bool operator==(const Color& a, const Color& b);
 
  private:
+  static Color make(ColorSpaceKind space, std::array<double, 5> components);
+
   ColorSpaceKind space_ = ColorSpaceKind::CalibratedRGB;
   std::array<double, 5> components_{0, 0, 0, 1, 0};
   std::string catalogName_;
