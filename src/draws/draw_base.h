@@ -21,8 +21,10 @@
 #include <string_view>
 #include <vector>
 
+#include "archive/archive_value.h"
+#include "archive/codable.h"
+#include "archive/shared_bytes.h"
 #include "platform/bezier_path.h"
-#include "platform/class_registry.h"
 #include "platform/color.h"
 #include "platform/geometry.h"
 #include "platform/gradient.h"
@@ -48,7 +50,7 @@ extern std::atomic<double> fBorderDashPhaseStart;
 // Colour of highlights and knobs: calibrated RGB (29, 89, 236) / 255, opaque.
 extern const Color colorDrawBaseHighlight;
 
-class DrawBase : public Object, public std::enable_shared_from_this<DrawBase> {
+class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
  public:
   // Zero state: no path, no colours, every flag off. Call init() for defaults.
   DrawBase();
@@ -70,6 +72,27 @@ class DrawBase : public Object, public std::enable_shared_from_this<DrawBase> {
   // angle 90; visible and smooth; reflection distance -10060 (never set).
   // Subclasses call their superclass's init first.
   virtual void init();
+
+  // The keyed archive of a draw. Optional state is written only when it
+  // differs from its default; reading falls back to the default for every
+  // missing key and repairs inconsistent state (a gradient fill without a
+  // gradient, a shadow flag without a shadow). Subclasses write and read
+  // their superclass's keys first.
+  void encodeWithCoder(KeyedArchiver& coder) const override;
+  bool initWithCoder(KeyedUnarchiver& coder) override;
+  // The draw archived alone as the root of a new keyed archive.
+  std::vector<uint8_t> encodedData() const;
+  // The root draw of such an archive, or null for data that is no keyed
+  // archive or whose root is no draw. The draw classes must be registered.
+  static std::shared_ptr<DrawBase> objectWithEncodedData(SharedBytes data);
+
+  // A snapshot of the outline for undo and resizing: here a copy of the path
+  // (absent when there is none). Subclasses with their own points answer
+  // their own form.
+  virtual ArchiveValue bezierPathData() const;
+  // Takes the elements of such a path, keeping this draw's own line width,
+  // dash and styles. Anything but a path is ignored.
+  virtual void setBezierPathWithData(const ArchiveValue& data);
 
   // The draw's dash pattern as text: each entry as a whole number, joined by
   // ':' ({6, 3} gives "6:3"). "" when there is no path or fewer than 2
@@ -183,6 +206,10 @@ class DrawBase : public Object, public std::enable_shared_from_this<DrawBase> {
   static constexpr double kInitLineWidth = 2.0;
   static constexpr float kDefaultFillGradientDegree = 90.0f;
   static constexpr float kReflectionDistanceUnset = -10060.0f;
+
+  // The shadows a decoded draw gets when its flag is on but none was stored.
+  static Shadow defaultShadow();
+  static Shadow defaultInnerShadow();
 
  protected:
   std::optional<BezierPath> bezierPath_;

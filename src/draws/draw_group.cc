@@ -2,11 +2,26 @@
 
 #include <algorithm>
 
+#include "archive/keyed_archiver.h"
+#include "archive/keyed_unarchiver.h"
 #include "platform/not_found.h"
 
 namespace paintdoc {
 
 DrawGroup::~DrawGroup() { removeAllDraws(); }
+
+void DrawGroup::encodeWithCoder(KeyedArchiver& coder) const {
+  DrawBase::encodeWithCoder(coder);
+  if (!aryDraws_.empty()) coder.encodeArrayOfObjectsForKey(aryDraws_, "Draws");
+}
+
+bool DrawGroup::initWithCoder(KeyedUnarchiver& coder) {
+  if (!DrawBase::initWithCoder(coder)) return false;
+  // Members of an unknown class decode as absent and are left out.
+  aryDraws_ = coder.decodeArrayOfObjectsForKey<DrawBase>("Draws");
+  adoptMembers();
+  return true;
+}
 
 bool DrawGroup::hasBorder() const {
   bool metVisibleMember = false;

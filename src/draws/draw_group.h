@@ -19,6 +19,10 @@ class DrawGroup : public DrawBase {
   std::string className() const override { return "DrawGroup"; }
   std::string name() const override { return "Group"; }
 
+  // The DrawBase keys, then the members under "Draws" when there are any.
+  void encodeWithCoder(KeyedArchiver& coder) const override;
+  bool initWithCoder(KeyedUnarchiver& coder) override;
+
   // A group has no stroke or fill of its own.
   bool classDrawBezierPath() const override { return false; }
   bool classDrawFill() const override { return false; }
