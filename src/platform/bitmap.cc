@@ -119,22 +119,24 @@ void Bitmap::readRGBARow(int row, uint8_t* out, AlphaMode mode) const {
 void Bitmap::writeRGBARow(int row, const uint8_t* in, AlphaMode mode) {
   uint8_t* out = rowAt(row);
   for (int x = 0; x < width_; ++x, in += 4, out += kBytesPerPixel) {
-    uint8_t alpha = in[3];
-    if (mode == AlphaMode::Straight && alpha != 255) {
-      out[kRed] = PremultiplySample(in[0], alpha);
-      out[kGreen] = PremultiplySample(in[1], alpha);
-      out[kBlue] = PremultiplySample(in[2], alpha);
-    } else if (mode == AlphaMode::Premultiplied) {
+    // Load the whole pixel first: `in` and `out` may be the same bytes.
+    uint8_t red = in[0], green = in[1], blue = in[2], alpha = in[3];
+    if (mode == AlphaMode::Straight) {
+      if (alpha != 255) {
+        red = PremultiplySample(red, alpha);
+        green = PremultiplySample(green, alpha);
+        blue = PremultiplySample(blue, alpha);
+      }
+    } else {
       // Malformed premultiplied input may hold colour above alpha; clamp it
       // so that compositing never overflows.
-      out[kRed] = in[0] < alpha ? in[0] : alpha;
-      out[kGreen] = in[1] < alpha ? in[1] : alpha;
-      out[kBlue] = in[2] < alpha ? in[2] : alpha;
-    } else {
-      out[kRed] = in[0];
-      out[kGreen] = in[1];
-      out[kBlue] = in[2];
+      if (red > alpha) red = alpha;
+      if (green > alpha) green = alpha;
+      if (blue > alpha) blue = alpha;
     }
+    out[kRed] = red;
+    out[kGreen] = green;
+    out[kBlue] = blue;
     out[kAlpha] = alpha;
   }
 }

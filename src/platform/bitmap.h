@@ -99,7 +99,8 @@ class Bitmap {
   // --- conversion to and from R, G, B, A byte rows
   // Writes storage row `row` as R, G, B, A bytes (4 × pixelsWide bytes).
   void readRGBARow(int row, uint8_t* out, AlphaMode mode) const;
-  // Replaces storage row `row` from R, G, B, A bytes.
+  // Replaces storage row `row` from R, G, B, A bytes. `in` may be the row's
+  // own storage (rowAt(row)): decoders read into the bitmap and convert in place.
   void writeRGBARow(int row, const uint8_t* in, AlphaMode mode);
   // All rows, top first, packed.
   std::vector<uint8_t> rgbaBytes(AlphaMode mode) const;
