@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "geometry/dash_text.h"
+
 namespace paintdoc {
 
 namespace {
@@ -68,6 +70,14 @@ std::string DrawBase::lineDashStyle() const {
     text += entry;
   }
   return text;
+}
+
+void DrawBase::setLineDashStyle(std::string_view style) {
+  if (!bezierPath_) return;
+  double values[kMaxDashStyleParts] = {};
+  size_t count = 0;
+  GetDashArrayFromString(style, values, &count);
+  bezierPath_->setLineDash(std::vector<double>(values, values + count), 0);
 }
 
 std::string DrawBase::layerTitle() const {
