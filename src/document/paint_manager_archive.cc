@@ -18,8 +18,9 @@ bool PaintManager::initWithCoder(KeyedUnarchiver& coder) {
   const std::optional<std::string> sizeText = coder.decodeStringForKey("CanvasSize");
   size_ = sizeText ? SizeFromString(*sizeText) : Size{};
 
-  // Draws of an unknown class decode as absent and are left out.
-  aryDraw_ = coder.decodeArrayOfObjectsForKey<DrawBase>("DrawsArray");
+  // Draws of an unknown class decode as absent and are left out; a draw the
+  // archive places twice, or also inside a group, is kept at its first place.
+  aryDraw_ = DrawGroup::UniqueUnheldDraws(coder.decodeArrayOfObjectsForKey<DrawBase>("DrawsArray"));
 
   // The flag counts only when a DrawImage leads the list; otherwise a leading
   // image stays an ordinary layer.

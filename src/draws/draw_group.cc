@@ -1,9 +1,11 @@
 #include "draws/draw_group.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
+#include "platform/log.h"
 #include "platform/not_found.h"
 
 namespace paintdoc {
@@ -18,7 +20,7 @@ void DrawGroup::encodeWithCoder(KeyedArchiver& coder) const {
 bool DrawGroup::initWithCoder(KeyedUnarchiver& coder) {
   if (!DrawBase::initWithCoder(coder)) return false;
   // Members of an unknown class decode as absent and are left out.
-  aryDraws_ = coder.decodeArrayOfObjectsForKey<DrawBase>("Draws");
+  aryDraws_ = UniqueUnheldDraws(coder.decodeArrayOfObjectsForKey<DrawBase>("Draws"));
   adoptMembers();
   return true;
 }
@@ -87,6 +89,20 @@ bool DrawGroup::replaceDraw(const std::shared_ptr<DrawBase>& old,
   releaseMember(*old);
   replacement->setGroup(this);
   return true;
+}
+
+DrawList DrawGroup::UniqueUnheldDraws(DrawList draws) {
+  DrawList kept;
+  kept.reserve(draws.size());
+  std::unordered_set<const DrawBase*> seen;
+  for (auto& draw : draws) {
+    if (draw->group() != nullptr || !seen.insert(draw.get()).second) {
+      Log("Error: a draw appears in more than one place of the archive; only its first place is kept");
+      continue;
+    }
+    kept.push_back(std::move(draw));
+  }
+  return kept;
 }
 
 void DrawGroup::adoptMembers() {

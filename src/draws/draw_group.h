@@ -20,6 +20,8 @@ class DrawGroup : public DrawBase {
   std::string name() const override { return "Group"; }
 
   // The DrawBase keys, then the members under "Draws" when there are any.
+  // Reading keeps the members a tree: a draw that the archive lists twice,
+  // or that another group already holds, is taken only at its first place.
   void encodeWithCoder(KeyedArchiver& coder) const override;
   bool initWithCoder(KeyedUnarchiver& coder) override;
 
@@ -54,6 +56,10 @@ class DrawGroup : public DrawBase {
   // `replacement` is neither null nor a member.
   bool replaceDraw(const std::shared_ptr<DrawBase>& old,
                    const std::shared_ptr<DrawBase>& replacement);
+
+  // The draws with each one kept only at its first place and only if no group
+  // holds it yet (archives may share one object between several places).
+  static DrawList UniqueUnheldDraws(DrawList draws);
 
  protected:
   void adoptMembers();
