@@ -127,7 +127,9 @@ TEST(DrawClassTree, EveryClassAnswersItsTraitsAndDisplayName) {
     auto draw = Create(expected.name);
     ASSERT_NE(draw, nullptr);
     EXPECT_EQ(TraitsOf(*draw), Parse(expected.traits));
-    if (expected.displayName) EXPECT_EQ(draw->name(), expected.displayName);
+    if (expected.displayName) {
+      EXPECT_EQ(draw->name(), expected.displayName);
+    }
   }
 }
 

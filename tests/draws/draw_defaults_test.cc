@@ -112,7 +112,9 @@ TEST(DrawDefaults, ExportedConstantsHoldTheirValues) {
   EXPECT_DOUBLE_EQ(rgba[3], 1.0);
   EXPECT_EQ(colorDrawBaseHighlight.colorSpace(), ColorSpaceKind::CalibratedRGB);
   // Without a desktop scale setting the display counts as single density.
-  if (std::getenv("GDK_SCALE") == nullptr) EXPECT_EQ(borderLineWidth, 1.0f);
+  if (std::getenv("GDK_SCALE") == nullptr) {
+    EXPECT_EQ(borderLineWidth, 1.0f);
+  }
 }
 
 }  // namespace
