@@ -12,14 +12,10 @@ namespace {
 using test::FixtureFile;
 using test::PointAt;
 
-const FixtureFile& Fixtures() {
-  static const FixtureFile file("geometry/single_precision_fixtures.txt");
-  return file;
-}
+const FixtureFile& Fixtures() { return test::SinglePrecisionFixtures(); }
 
-// The S-shaped curve the fixture script uses.
-const Point kStart{10.0, 20.0}, kControl1{40.3, 95.7}, kControl2{120.1, -30.2},
-    kEnd{150.0, 60.0};
+constexpr Point kStart = test::kCurveStart, kControl1 = test::kCurveControl1,
+                kControl2 = test::kCurveControl2, kEnd = test::kCurveEnd;
 // A curve off the float grid.
 const Point kOddStart{0.1, 0.2}, kOddControl1{33.33333, 0.7}, kOddControl2{66.66667, 100.3},
     kOddEnd{99.9, 100.1};
