@@ -41,9 +41,9 @@ Drawn DrawFile(const std::string& path, PreviewKind kind) {
 }
 
 // Writes the PNG, leaving no file behind when that fails.
-int WritePng(const Bitmap& bitmap, const std::string& outPath, const PngWriteOptions& options) {
+int WritePng(const Bitmap& bitmap, const std::string& outPath, const PngMetadata& metadata) {
   std::string error;
-  std::optional<std::vector<uint8_t>> png = WritePNG(bitmap, options, &error);
+  std::optional<std::vector<uint8_t>> png = WritePNG(bitmap, {}, metadata, &error);
   if (!png) {
     Complain(outPath + ": " + error);
     return kExitOutputFailed;
@@ -89,9 +89,9 @@ int RunRender(const Arguments& arguments) {
     Complain(drawn.failure);
     return kExitRefused;
   }
-  PngWriteOptions options;
-  options.keepAlphaChannel = true;
-  return WritePng(*drawn.bitmap, output, options);
+  PngMetadata metadata;
+  metadata.keepAlphaChannel = true;
+  return WritePng(*drawn.bitmap, output, metadata);
 }
 
 int RunThumbnail(const Arguments& arguments) {
@@ -131,11 +131,11 @@ int RunThumbnail(const Arguments& arguments) {
       return kExitRefused;
     }
   }
-  PngWriteOptions options;
-  options.keepAlphaChannel = true;
-  options.textEntries = {{"Thumb::Image::Width", std::to_string(full.pixelsWide())},
-                         {"Thumb::Image::Height", std::to_string(full.pixelsHigh())}};
-  return WritePng(*thumbnail, paths[1], options);
+  PngMetadata metadata;
+  metadata.keepAlphaChannel = true;
+  metadata.textEntries = {{"Thumb::Image::Width", std::to_string(full.pixelsWide())},
+                          {"Thumb::Image::Height", std::to_string(full.pixelsHigh())}};
+  return WritePng(*thumbnail, paths[1], metadata);
 }
 
 }  // namespace paintdoc::cli
