@@ -11,6 +11,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/bitmap.h"
@@ -63,11 +64,24 @@ struct PngWriteOptions {
   int compressionLevel = 1;
 };
 
+// What a PNG carries besides its pixels.
+struct PngMetadata {
+  // Keep the alpha channel even when every pixel is opaque (thumbnails are
+  // expected to carry full alpha).
+  bool keepAlphaChannel = false;
+  // tEXt entries (keyword, Latin-1 text) written before the pixels.
+  std::vector<std::pair<std::string, std::string>> textEntries;
+};
+
 // PNG bytes of the bitmap (straight alpha; RGB without alpha when every pixel
 // is opaque; the resolution recorded when the point size differs from the
 // pixel size). Empty optional, with `error` set when given, on failure.
 std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap,
                                              const PngWriteOptions& options = {},
+                                             std::string* error = nullptr);
+// The same with an alpha channel kept on request and text entries.
+std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
+                                             const PngMetadata& metadata,
                                              std::string* error = nullptr);
 
 // Baseline TIFF bytes as documents embed them: uncompressed, 8-bit RGBA,
