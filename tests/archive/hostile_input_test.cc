@@ -255,15 +255,16 @@ TEST(HostilePlist, MalformedXml) {
 
 // --- archives
 
-// A keyed archive around raw "$objects" entries (references are UIDs).
-Bytes Archive(const std::vector<Bytes>& entries, const Bytes& topKey, uint64_t topUid) {
-  // Objects: 0 root dict, 1..4 its keys, 5 version, 6 archiver name,
-  // 7 top dict, 8 objects array, 9 top key, 10 top UID, then the entries.
-  RawPlist p;
-  const uint64_t first = 11;
-  std::vector<uint64_t> entryRefs;
-  for (size_t i = 0; i < entries.size(); ++i) entryRefs.push_back(first + i);
-  p.objects = {
+Bytes Uid(uint64_t uid) {
+  return {0x83, static_cast<uint8_t>(uid >> 24), static_cast<uint8_t>(uid >> 16),
+          static_cast<uint8_t>(uid >> 8), static_cast<uint8_t>(uid)};
+}
+
+// Objects 0–8 of a keyed archive: the root dictionary and its four keys,
+// the version, the archiver's name, the top dictionary {@9: @10} and the
+// "$objects" array of `entries`.
+std::vector<Bytes> ArchiveHead(const std::vector<uint64_t>& entries) {
+  return {
       Container(0xD, {1, 2, 3, 4, 5, 6, 7, 8}),
       {0x58, '$', 'v', 'e', 'r', 's', 'i', 'o', 'n'},
       {0x59, '$', 'a', 'r', 'c', 'h', 'i', 'v', 'e', 'r'},
@@ -272,18 +273,25 @@ Bytes Archive(const std::vector<Bytes>& entries, const Bytes& topKey, uint64_t t
       {0x12, 0x00, 0x01, 0x86, 0xA0},
       {0x5F, 0x10, 15, 'N', 'S', 'K', 'e', 'y', 'e', 'd', 'A', 'r', 'c', 'h', 'i', 'v', 'e', 'r'},
       Container(0xD, {9, 10}),
-      Container(0xA, entryRefs),
-      topKey,
-      {0x83, static_cast<uint8_t>(topUid >> 24), static_cast<uint8_t>(topUid >> 16),
-       static_cast<uint8_t>(topUid >> 8), static_cast<uint8_t>(topUid)},
+      Container(0xA, entries),
   };
-  p.objects.insert(p.objects.end(), entries.begin(), entries.end());
-  return p.build();
 }
 
-Bytes Uid(uint64_t uid) {
-  return {0x83, static_cast<uint8_t>(uid >> 24), static_cast<uint8_t>(uid >> 16),
-          static_cast<uint8_t>(uid >> 8), static_cast<uint8_t>(uid)};
+// A keyed archive around raw "$objects" entries (references are UIDs).
+Bytes Archive(const std::vector<Bytes>& entries, const Bytes& topKey, uint64_t topUid) {
+  // Objects: 0 root dict, 1..4 its keys, 5 version, 6 archiver name,
+  // 7 top dict, 8 objects array, 9 top key, 10 top UID, then the entries.
+  RawPlist p;
+  const uint64_t first = 11;
+  std::vector<uint64_t> entryRefs;
+  for (size_t i = 0; i < entries.size(); ++i) entryRefs.push_back(first + i);
+  p.objects = ArchiveHead(entryRefs);
+  p.objects.insert(p.objects.end(), {
+      topKey,
+      Uid(topUid),
+  });
+  p.objects.insert(p.objects.end(), entries.begin(), entries.end());
+  return p.build();
 }
 
 TEST(HostileArchive, ReferencesPastTheObjectsReadAsNil) {
@@ -310,16 +318,8 @@ Bytes NodeChain(uint64_t length) {
   const uint64_t base = 20;
   std::vector<uint64_t> entryRefs = {18, 13};
   for (uint64_t i = 0; i < length; ++i) entryRefs.push_back(base + 2 * i);
-  p.objects = {
-      Container(0xD, {1, 2, 3, 4, 5, 6, 7, 8}),
-      {0x58, '$', 'v', 'e', 'r', 's', 'i', 'o', 'n'},
-      {0x59, '$', 'a', 'r', 'c', 'h', 'i', 'v', 'e', 'r'},
-      {0x54, '$', 't', 'o', 'p'},
-      {0x58, '$', 'o', 'b', 'j', 'e', 'c', 't', 's'},
-      {0x12, 0x00, 0x01, 0x86, 0xA0},
-      {0x5F, 0x10, 15, 'N', 'S', 'K', 'e', 'y', 'e', 'd', 'A', 'r', 'c', 'h', 'i', 'v', 'e', 'r'},
-      Container(0xD, {9, 10}),
-      Container(0xA, entryRefs),
+  p.objects = ArchiveHead(entryRefs);
+  p.objects.insert(p.objects.end(), {
       {0x54, 'r', 'o', 'o', 't'},
       Uid(2),
       {0x56, '$', 'c', 'l', 'a', 's', 's'},
@@ -331,7 +331,7 @@ Bytes NodeChain(uint64_t length) {
       Container(0xA, {16}),
       {0x55, '$', 'n', 'u', 'l', 'l'},
       Uid(1),
-  };
+  });
   for (uint64_t i = 0; i < length; ++i) {
     const uint64_t next = base + 2 * i + 1;
     p.objects.push_back(Container(0xD, {11, 12, 19, next}));
@@ -366,16 +366,7 @@ TEST(HostileArchive, SharedContainersCannotMultiplyTheWork) {
   // naively would visit 2^60 nodes. The work budget stops it quickly.
   RawPlist p;
   constexpr uint64_t kLevels = 60;
-  p.objects.push_back(Container(0xD, {1, 2, 3, 4, 5, 6, 7, 8}));
-  p.objects.push_back({0x58, '$', 'v', 'e', 'r', 's', 'i', 'o', 'n'});
-  p.objects.push_back({0x59, '$', 'a', 'r', 'c', 'h', 'i', 'v', 'e', 'r'});
-  p.objects.push_back({0x54, '$', 't', 'o', 'p'});
-  p.objects.push_back({0x58, '$', 'o', 'b', 'j', 'e', 'c', 't', 's'});
-  p.objects.push_back({0x12, 0x00, 0x01, 0x86, 0xA0});
-  p.objects.push_back(
-      {0x5F, 0x10, 15, 'N', 'S', 'K', 'e', 'y', 'e', 'd', 'A', 'r', 'c', 'h', 'i', 'v', 'e', 'r'});
-  p.objects.push_back(Container(0xD, {9, 10}));
-  p.objects.push_back(Container(0xA, {9}));
+  p.objects = ArchiveHead({9});
   p.objects.push_back({0x54, 'r', 'o', 'o', 't'});
   for (uint64_t i = 0; i < kLevels; ++i) {
     const uint64_t self = 10 + i;
