@@ -42,7 +42,7 @@ std::string ReadText(const std::string& path) {
 }
 
 TEST(DesktopIntegration, ThumbnailerEntryRunsTheThumbnailCommand) {
-  const std::string entry = ReadText(SourcePath("data/paintdoc.thumbnailer.in"));
+  const std::string entry = ReadText(SourcePath("data/paintdoc.thumbnailer"));
   EXPECT_NE(entry.find("[Thumbnailer Entry]"), std::string::npos);
   EXPECT_NE(entry.find("paintdoc thumbnail %i %o -s %s\n"), std::string::npos);
   EXPECT_NE(entry.find("MimeType=application/x-paintdoc;"), std::string::npos);
