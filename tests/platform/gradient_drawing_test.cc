@@ -104,21 +104,5 @@ TEST(GradientDrawing, PathGradientIsClippedToThePathAndSpansItsBounds) {
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 2, "gradient_in_oval", rim));
 }
 
-TEST(GradientDrawing, GradientTurnsWithTheTransform) {
-  const Rect rect = MakeRect(0, 0, 20, 20);
-  auto rotated = Bitmap::create(20, 20), direct = Bitmap::create(20, 20);
-  {
-    BitmapFocus focus(rotated);
-    focus.context().translate(20, 0);
-    focus.context().concat(AffineTransform::rotationDegrees(90));
-    focus.context().drawGradient(kGradient, rect, 0.0);
-  }
-  {
-    BitmapFocus focus(direct);
-    focus.context().drawGradient(kGradient, rect, 90.0);
-  }
-  EXPECT_TRUE(ImagesMatch(*rotated, *direct, 1, "gradient_rotated"));
-}
-
 }  // namespace
 }  // namespace paintdoc

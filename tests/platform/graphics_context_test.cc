@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <thread>
 
 #include "platform/log.h"
@@ -248,6 +249,36 @@ TEST(GraphicsContextCompositing, LayerCompositeActsOnTheWholeClip) {
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "layer_unbounded_in_clip"));
 }
 
+// Text and other cairo drawing pass through drawWithCairo: in user space, as
+// one primitive with the context's operation, alpha and shadow.
+TEST(GraphicsContextCompositing, CairoDrawingIsOnePrimitiveBoundedByWhatItDrew) {
+  auto bitmap = Bitmap::create(12, 10);
+  {
+    BitmapFocus focus(bitmap);
+    GraphicsContext& gc = focus.context();
+    gc.setFillColor(kBlue);
+    gc.fillRect(MakeRect(0, 0, 12, 10));
+    gc.setCompositingOperation(CompositingOperation::Copy);
+    gc.setAlpha(0.5);
+    gc.setShadow(Shadow(Color::blackColor(), {0, -2}, 0));
+    gc.drawWithCairo([](cairo_t* cr) {
+      cairo_set_source_rgba(cr, 1, 0, 0, 1);
+      cairo_rectangle(cr, 2, 6, 4, 3);  // y up, like the context
+      cairo_fill(cr);
+      cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);  // must not leak out
+    });
+    EXPECT_EQ(gc.compositingOperation(), CompositingOperation::Copy);
+  }
+  // The shadow (2 below) is copied at half alpha, then the red at half alpha
+  // replaces what lies under it; the rest stays blue.
+  auto expected = MakeImage(12, 10, [](int x, int y) {
+    if (Inside(x, y, 2, 6, 6, 9)) return PixelValue::straight(1, 0, 0, 0.5).toRgba8();
+    if (Inside(x, y, 2, 4, 6, 6)) return PixelValue::straight(0, 0, 0, 0.5).toRgba8();
+    return Rgba8{0, 0, 255, 255};
+  });
+  EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 1, "cairo_drawing_primitive"));
+}
+
 TEST(GraphicsContextCompositing, GlobalAlphaScalesFillsAndCopyReplacesWithIt) {
   auto bitmap = Bitmap::create(6, 2);
   {
@@ -369,21 +400,6 @@ TEST(GraphicsContextStroke, WidthZeroIsOneDevicePixelAndDashesAlternate) {
   }
 }
 
-TEST(GraphicsContextStroke, InvalidDashPatternsDrawSolid) {
-  auto bitmap = Bitmap::create(8, 1);
-  {
-    BitmapFocus focus(bitmap);
-    BezierPath line;
-    line.moveTo({0, 0.5});
-    line.lineTo({8, 0.5});
-    line.setLineDash({0, 0}, 0);
-    focus.context().stroke(line);
-    line.setLineDash({2, -1}, 0);
-    focus.context().stroke(line);
-  }
-  for (int x = 0; x < 8; ++x) EXPECT_EQ(PixelAt(*bitmap, x, 0).alpha, 255) << x;
-}
-
 TEST(GraphicsContextTransform, ConcatAppliesBeforeTheCurrentTransform) {
   auto bitmap = Bitmap::create(10, 10);
   {
@@ -401,6 +417,40 @@ TEST(GraphicsContextTransform, ConcatAppliesBeforeTheCurrentTransform) {
     return Inside(x, y, 3, 3, 5, 7) ? Rgba8{0, 0, 255, 255} : Rgba8{};
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "concat_rotation"));
+}
+
+// Damaged documents carry NaNs and absurd sizes; none may put cairo into its
+// error state, which would silently end all later drawing.
+TEST(GraphicsContextRobustness, HostileValuesDrawNothingAndLeaveTheContextWorking) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  auto bitmap = Bitmap::create(8, 8);
+  auto image = Bitmap::create(2, 2);
+  {
+    BitmapFocus focus(bitmap);
+    GraphicsContext& gc = focus.context();
+    BezierPath broken;
+    broken.moveTo({0, 0});
+    broken.lineTo({nan, 4});
+    broken.lineTo({4, infinity});
+    gc.fill(broken);
+    gc.stroke(broken);
+    BezierPath wide = BezierPath::withRect(MakeRect(1, 1, 2, 2));
+    wide.setLineWidth(infinity);
+    wide.setLineDash({1, -1}, nan);  // a negative length: drawn solid
+    gc.setShadow(Shadow(Color::blackColor(), {nan, 1}, 3));
+    gc.fill(wide);
+    gc.setShadow(Shadow(Color::blackColor(), {1, 1}, 1e12));  // huge blur: bounded
+    gc.fill(wide);
+    gc.setShadow(std::nullopt);
+    gc.fillRect(MakeRect(nan, 0, 4, 4));
+    gc.drawBitmap(*image, MakeRect(0, 0, infinity, 4), ZeroRect(), CompositingOperation::Copy, 1);
+    gc.drawGradient(Gradient::withStartingColor(Color::redColor(), Color::blueColor()), wide, nan);
+    gc.setFillColor(Color::calibratedRGB(nan, 2, -1, 1));
+    gc.fillRect(MakeRect(4, 4, 4, 4));
+  }
+  // The last fill still landed: the context never broke.
+  EXPECT_EQ(PixelAt(*bitmap, 6, 6), (Rgba8{0, 255, 0, 255}));
 }
 
 }  // namespace
