@@ -35,7 +35,7 @@ DecodedImage Success(ImageFormat format, std::shared_ptr<Bitmap> bitmap) {
 
 void ApplyResolution(Bitmap& bitmap, double xDotsPerInch, double yDotsPerInch) {
   // Files record all sorts of nonsense here; only believe sensible values.
-  auto plausible = [](double dpi) { return std::isfinite(dpi) && dpi >= 1 && dpi <= 100000; };
+  auto plausible = [](double dpi) { return std::isfinite(dpi) && dpi >= 10 && dpi <= 100000; };
   if (!plausible(xDotsPerInch) || !plausible(yDotsPerInch)) return;
   if (xDotsPerInch == 72 && yDotsPerInch == 72) return;
   bitmap.setSize({bitmap.pixelsWide() * 72.0 / xDotsPerInch,

@@ -1,0 +1,160 @@
+// The primitives a GraphicsContext draws (fills, strokes, images, layer
+// composites, shadow masks) and the two steps every primitive goes through:
+// its shadow mask, and its composite with the platform's bounded semantics.
+// Internal to the drawing code.
+#pragma once
+
+#include <cairo.h>
+
+#include <optional>
+
+#include "platform/bezier_path.h"
+#include "platform/bitmap.h"
+#include "platform/cairo_conversion.h"
+#include "platform/color.h"
+#include "platform/compositing.h"
+#include "platform/geometry.h"
+#include "platform/gradient.h"
+
+namespace paintdoc::drawing {
+
+// A rectangle of device pixels (cairo's device space: y down).
+struct DeviceRect {
+  int x = 0, y = 0, width = 0, height = 0;
+  bool isEmpty() const { return width <= 0 || height <= 0; }
+};
+
+// Where a fill or stroke takes its colour: a colour or a gradient.
+class Source {
+ public:
+  Source(const Color& color) : color_(color) {}  // NOLINT: a colour is a source
+  // `geometry` is a linear or radial cairo gradient without stops.
+  Source(cairo_conversion::PatternPtr geometry, const Gradient& gradient);
+  // Makes this cr's source, its alpha multiplied by `alpha`.
+  void set(cairo_t* cr, double alpha) const;
+
+ private:
+  Color color_;
+  cairo_conversion::PatternPtr geometry_;
+  Gradient gradient_;
+};
+inline Source ColorSource(const Color& color) { return Source(color); }
+inline Source GradientSource(cairo_conversion::PatternPtr geometry, const Gradient& gradient) {
+  return Source(std::move(geometry), gradient);
+}
+
+class Primitive {
+ public:
+  virtual ~Primitive() = default;
+  // Draws the source through the shape with cr's operator, alpha multiplied by `alpha`.
+  virtual void paint(cairo_t* cr, double alpha) const = 0;
+  // Draws the source everywhere in the clip (the shape left out).
+  virtual void paintSource(cairo_t* cr, double alpha) const = 0;
+  // Draws the shape's coverage in opaque black.
+  virtual void paintCoverage(cairo_t* cr) const = 0;
+  // Adds the shape to cr's clip; false when the shape cannot be a clip.
+  virtual bool clipToShape(cairo_t*) const { return false; }
+  // Device pixels the primitive can touch; none when unbounded.
+  virtual std::optional<DeviceRect> deviceExtents(cairo_t* cr) const = 0;
+  // A layer composite acts on the whole clip, not on a shape.
+  virtual bool isLayer() const { return false; }
+};
+
+class FillPrimitive : public Primitive {
+ public:
+  FillPrimitive(const BezierPath& path, Source source) : path_(path), source_(std::move(source)) {}
+  void paint(cairo_t* cr, double alpha) const override;
+  void paintSource(cairo_t* cr, double alpha) const override;
+  void paintCoverage(cairo_t* cr) const override;
+  bool clipToShape(cairo_t* cr) const override;
+  std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
+
+ private:
+  const BezierPath& path_;
+  Source source_;
+};
+
+class StrokePrimitive : public Primitive {
+ public:
+  StrokePrimitive(const BezierPath& path, Source source)
+      : path_(path), source_(std::move(source)) {}
+  void paint(cairo_t* cr, double alpha) const override;
+  void paintSource(cairo_t* cr, double alpha) const override;
+  void paintCoverage(cairo_t* cr) const override;
+  std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
+
+ private:
+  const BezierPath& path_;
+  Source source_;
+};
+
+// A bitmap's source rectangle (points, lower-left origin) stretched into a
+// destination rectangle, with edges that do not fade.
+class ImagePrimitive : public Primitive {
+ public:
+  ImagePrimitive(const Bitmap& bitmap, const Rect& destination, const Rect& source,
+                 double fraction, ImageInterpolation interpolation);
+  void paint(cairo_t* cr, double alpha) const override;
+  void paintSource(cairo_t* cr, double alpha) const override;
+  void paintCoverage(cairo_t* cr) const override;
+  bool clipToShape(cairo_t* cr) const override;
+  std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
+
+ private:
+  cairo_conversion::SurfacePtr surface_;
+  cairo_conversion::PatternPtr pattern_;
+  Rect destination_;
+  double fraction_;
+};
+
+// The contents of a finished transparency layer.
+class LayerPrimitive : public Primitive {
+ public:
+  explicit LayerPrimitive(cairo_conversion::PatternPtr layer) : layer_(std::move(layer)) {}
+  void paint(cairo_t* cr, double alpha) const override;
+  void paintSource(cairo_t* cr, double alpha) const override { paint(cr, alpha); }
+  void paintCoverage(cairo_t* cr) const override;
+  std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
+  bool isLayer() const override { return true; }
+
+ private:
+  cairo_conversion::PatternPtr layer_;
+};
+
+// A blurred, shifted shadow mask in device pixels.
+struct ShadowMask {
+  cairo_conversion::SurfacePtr surface;  // A8
+  double deviceX = 0, deviceY = 0;       // where its top left pixel goes
+};
+
+// A colour through a shadow mask. It is bounded by the mask, or unbounded
+// within the clip when it is the shadow of a layer composite.
+class MaskPrimitive : public Primitive {
+ public:
+  MaskPrimitive(const ShadowMask& mask, const Color& color, bool unbounded)
+      : mask_(mask), color_(color), unbounded_(unbounded) {}
+  void paint(cairo_t* cr, double alpha) const override;
+  void paintSource(cairo_t* cr, double alpha) const override;
+  void paintCoverage(cairo_t* cr) const override;
+  std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
+  bool isLayer() const override { return unbounded_; }
+
+ private:
+  const ShadowMask& mask_;
+  Color color_;
+  bool unbounded_;
+};
+
+// Composites a primitive onto cr's target with an operator and global alpha
+// the way the platform does: bounded by the primitive's shape (a layer: by the
+// clip), whatever cairo's own rule for the operator is.
+void CompositePrimitive(cairo_t* cr, const Primitive& primitive, cairo_operator_t op,
+                        double alpha);
+
+// The primitive's coverage × source alpha in device pixels, blurred with a
+// Gaussian of `sigma` and shifted by `offset` (device pixels, y up), covering
+// what the clip can show. None when nothing of it can be seen.
+std::optional<ShadowMask> RenderShadowMask(cairo_t* cr, const Primitive& primitive, double sigma,
+                                           Size offset);
+
+}  // namespace paintdoc::drawing

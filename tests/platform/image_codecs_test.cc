@@ -1,0 +1,413 @@
+#include "platform/image_codecs.h"
+
+#include <cstdio>
+#include <jpeglib.h>
+#include <gif_lib.h>
+#include <gtest/gtest.h>
+#include <tiffio.h>
+#include <webp/encode.h>
+
+#include <cstring>
+#include <random>
+
+#include "platform/file_bytes.h"
+#include "support/golden_image.h"
+#include "support/test_paths.h"
+
+namespace paintdoc {
+namespace {
+
+using test::ImagesMatch;
+
+// A 5 × 4 test card with every kind of alpha: opaque, half, faint, clear.
+std::shared_ptr<Bitmap> TestCard() {
+  auto bitmap = Bitmap::create(5, 4);
+  for (int row = 0; row < 4; ++row) {
+    for (int x = 0; x < 5; ++x) {
+      uint8_t alpha = static_cast<uint8_t>(row == 0 ? 255 : row == 1 ? 128 : row == 2 ? 3 : 0);
+      uint8_t straight[4] = {static_cast<uint8_t>(50 * x), static_cast<uint8_t>(255 - 40 * x),
+                             static_cast<uint8_t>(17 * row), alpha};
+      Rgba8 pixel{PremultiplySample(straight[0], alpha), PremultiplySample(straight[1], alpha),
+                  PremultiplySample(straight[2], alpha), alpha};
+      bitmap->setPixelAt(x, row, pixel);
+    }
+  }
+  return bitmap;
+}
+
+void AppendU16(std::vector<uint8_t>& out, unsigned v) {
+  out.push_back(static_cast<uint8_t>(v));
+  out.push_back(static_cast<uint8_t>(v >> 8));
+}
+void AppendU32(std::vector<uint8_t>& out, uint32_t v) {
+  for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(v >> (8 * i)));
+}
+
+// A BMP with a 40-byte info header (or a 108-byte V4 header when masks are given).
+std::vector<uint8_t> MakeBmp(int32_t width, int32_t height, uint16_t bits, uint32_t compression,
+                             const std::vector<uint32_t>& palette,
+                             const std::vector<uint8_t>& pixels,
+                             const std::vector<uint32_t>& v4Masks = {},
+                             int32_t pixelsPerMetre = 0) {
+  uint32_t infoSize = v4Masks.empty() ? 40 : 108;
+  uint32_t offset = 14 + infoSize + static_cast<uint32_t>(palette.size() * 4);
+  std::vector<uint8_t> out = {'B', 'M'};
+  AppendU32(out, offset + static_cast<uint32_t>(pixels.size()));
+  AppendU32(out, 0);
+  AppendU32(out, offset);
+  AppendU32(out, infoSize);
+  AppendU32(out, static_cast<uint32_t>(width));
+  AppendU32(out, static_cast<uint32_t>(height));
+  AppendU16(out, 1);
+  AppendU16(out, bits);
+  AppendU32(out, compression);
+  AppendU32(out, static_cast<uint32_t>(pixels.size()));
+  AppendU32(out, static_cast<uint32_t>(pixelsPerMetre));
+  AppendU32(out, static_cast<uint32_t>(pixelsPerMetre));
+  AppendU32(out, static_cast<uint32_t>(palette.size()));
+  AppendU32(out, 0);
+  for (uint32_t mask : v4Masks) AppendU32(out, mask);
+  out.resize(14 + infoSize, 0);
+  for (uint32_t entry : palette) AppendU32(out, entry);  // 0x00RRGGBB as B, G, R, 0
+  out.insert(out.end(), pixels.begin(), pixels.end());
+  return out;
+}
+
+// --- round trips through our writers
+
+TEST(ImageCodecs, PngRoundTripKeepsPremultipliedPixelsExactly) {
+  auto card = TestCard();
+  auto png = WritePNG(*card);
+  ASSERT_TRUE(png);
+  EXPECT_EQ(DetectImageFormat(*png), ImageFormat::PNG);
+  DecodedImage decoded = ReadImage(*png);
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_EQ(decoded.format, ImageFormat::PNG);
+  EXPECT_TRUE(ImagesMatch(*decoded.bitmap, *card, 0, "png_round_trip"));
+  EXPECT_EQ(decoded.bitmap->size(), MakeSize(5, 4));
+}
+
+TEST(ImageCodecs, OpaquePngIsWrittenWithoutAlphaAndResolutionSurvives) {
+  auto bitmap = Bitmap::create(8, 6);
+  for (int row = 0; row < 6; ++row)
+    for (int x = 0; x < 8; ++x) bitmap->setPixelAt(x, row, {uint8_t(x * 30), 7, uint8_t(row), 255});
+  bitmap->setSizeWithDPI(144);
+  auto png = WritePNG(*bitmap, {.compressionLevel = 9});
+  ASSERT_TRUE(png);
+  EXPECT_EQ((*png)[25], 2) << "IHDR colour type should be RGB";
+  DecodedImage decoded = ReadPNG(*png);
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_TRUE(decoded.bitmap->samePixels(*bitmap));
+  EXPECT_NEAR(decoded.bitmap->size().width, 4, 0.01);
+  EXPECT_NEAR(decoded.bitmap->size().height, 3, 0.01);
+}
+
+TEST(ImageCodecs, TiffIsBaselineRgbaWithAssociatedAlphaAndRoundTrips) {
+  auto card = TestCard();
+  card->setSize({2.5, 2});  // 144 dpi
+  auto tiff = WriteTIFF(*card);
+  ASSERT_TRUE(tiff);
+  // Inspect the tags with libtiff directly.
+  std::string path = test::OutputPath("codecs/card.tiff");
+  ASSERT_TRUE(WriteFileBytes(path, *tiff));
+  TIFF* file = TIFFOpen(path.c_str(), "r");
+  ASSERT_TRUE(file);
+  uint16_t samples = 0, bits = 0, compression = 0, extraCount = 0;
+  uint16_t* extra = nullptr;
+  TIFFGetField(file, TIFFTAG_SAMPLESPERPIXEL, &samples);
+  TIFFGetField(file, TIFFTAG_BITSPERSAMPLE, &bits);
+  TIFFGetField(file, TIFFTAG_COMPRESSION, &compression);
+  TIFFGetField(file, TIFFTAG_EXTRASAMPLES, &extraCount, &extra);
+  EXPECT_EQ(samples, 4);
+  EXPECT_EQ(bits, 8);
+  EXPECT_EQ(compression, COMPRESSION_NONE);
+  ASSERT_EQ(extraCount, 1);
+  EXPECT_EQ(extra[0], EXTRASAMPLE_ASSOCALPHA);
+  // The stored samples are the premultiplied ones.
+  std::vector<uint8_t> row(TIFFScanlineSize(file));
+  ASSERT_EQ(TIFFReadScanline(file, row.data(), 1, 0), 1);
+  Rgba8 stored{row[4], row[5], row[6], row[7]};
+  EXPECT_EQ(stored, card->pixelAt(1, 1));
+  TIFFClose(file);
+
+  DecodedImage decoded = ReadImage(*tiff);
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_TRUE(ImagesMatch(*decoded.bitmap, *card, 0, "tiff_round_trip"));
+  EXPECT_NEAR(decoded.bitmap->size().width, 2.5, 1e-4);
+}
+
+TEST(ImageCodecs, TiffWithUnassociatedAlphaAndLzwIsPremultipliedOnRead) {
+  std::string path = test::OutputPath("codecs/unassociated.tiff");
+  TIFF* file = TIFFOpen(path.c_str(), "w");
+  ASSERT_TRUE(file);
+  uint16_t extra[] = {EXTRASAMPLE_UNASSALPHA};
+  TIFFSetField(file, TIFFTAG_IMAGEWIDTH, 2);
+  TIFFSetField(file, TIFFTAG_IMAGELENGTH, 1);
+  TIFFSetField(file, TIFFTAG_BITSPERSAMPLE, 8);
+  TIFFSetField(file, TIFFTAG_SAMPLESPERPIXEL, 4);
+  TIFFSetField(file, TIFFTAG_EXTRASAMPLES, 1, extra);
+  TIFFSetField(file, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+  TIFFSetField(file, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  TIFFSetField(file, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
+  TIFFSetField(file, TIFFTAG_XRESOLUTION, 50.0f);
+  TIFFSetField(file, TIFFTAG_YRESOLUTION, 50.0f);
+  TIFFSetField(file, TIFFTAG_RESOLUTIONUNIT, RESUNIT_CENTIMETER);
+  uint8_t pixels[] = {200, 100, 50, 128, 255, 255, 255, 255};
+  ASSERT_EQ(TIFFWriteScanline(file, pixels, 0, 0), 1);
+  TIFFClose(file);
+  DecodedImage decoded = ReadImageFile(path);
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_NEAR(decoded.bitmap->pixelAt(0, 0).red, 100, 1);
+  EXPECT_NEAR(decoded.bitmap->pixelAt(0, 0).green, 50, 1);
+  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0).alpha, 128);
+  EXPECT_EQ(decoded.bitmap->pixelAt(1, 0), (Rgba8{255, 255, 255, 255}));
+  // 50 dots a centimetre = 127 dpi.
+  EXPECT_NEAR(decoded.bitmap->size().width, 2 * 72.0 / 127.0, 1e-4);
+}
+
+// --- files written by the format's own library
+
+TEST(ImageCodecs, JpegDecodesColourAndDensity) {
+  jpeg_compress_struct cinfo{};
+  jpeg_error_mgr errors{};
+  cinfo.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&cinfo);
+  unsigned char* buffer = nullptr;
+  unsigned long size = 0;
+  jpeg_mem_dest(&cinfo, &buffer, &size);
+  cinfo.image_width = 16;
+  cinfo.image_height = 8;
+  cinfo.input_components = 3;
+  cinfo.in_color_space = JCS_RGB;
+  jpeg_set_defaults(&cinfo);
+  jpeg_set_quality(&cinfo, 95, TRUE);
+  cinfo.density_unit = 1;
+  cinfo.X_density = 144;
+  cinfo.Y_density = 144;
+  jpeg_start_compress(&cinfo, TRUE);
+  std::vector<uint8_t> line(16 * 3);
+  for (int x = 0; x < 16; ++x) {
+    line[x * 3] = 200;
+    line[x * 3 + 1] = 60;
+    line[x * 3 + 2] = 20;
+  }
+  while (cinfo.next_scanline < 8) {
+    JSAMPROW rows[] = {line.data()};
+    jpeg_write_scanlines(&cinfo, rows, 1);
+  }
+  jpeg_finish_compress(&cinfo);
+  std::vector<uint8_t> jpeg(buffer, buffer + size);
+  jpeg_destroy_compress(&cinfo);
+  free(buffer);
+
+  DecodedImage decoded = ReadImage(jpeg);
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_EQ(decoded.format, ImageFormat::JPEG);
+  Rgba8 pixel = decoded.bitmap->pixelAt(5, 3);
+  EXPECT_NEAR(pixel.red, 200, 4);
+  EXPECT_NEAR(pixel.green, 60, 4);
+  EXPECT_NEAR(pixel.blue, 20, 4);
+  EXPECT_EQ(pixel.alpha, 255);
+  EXPECT_EQ(decoded.bitmap->size(), MakeSize(8, 4));
+
+  // Cut inside the header: a clear error. Cut in the scan data: a partial image.
+  DecodedImage headerCut = ReadImage(std::span(jpeg).first(40));
+  EXPECT_FALSE(headerCut);
+  EXPECT_NE(headerCut.error.find("JPEG image: malformed data"), std::string::npos)
+      << headerCut.error;
+}
+
+int WriteGifBytes(GifFileType* gif, const GifByteType* data, int length) {
+  auto* out = static_cast<std::vector<uint8_t>*>(gif->UserData);
+  out->insert(out->end(), data, data + length);
+  return length;
+}
+
+// A 6 × 5 screen with one 4 × 3 frame at (1, 1); colour 2 is transparent.
+std::vector<uint8_t> MakeGif(bool interlaced) {
+  std::vector<uint8_t> out;
+  int error = 0;
+  GifFileType* gif = EGifOpen(&out, WriteGifBytes, &error);
+  GifColorType colors[4] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}, {9, 9, 9}};
+  ColorMapObject* map = GifMakeMapObject(4, colors);
+  EGifSetGifVersion(gif, true);
+  EGifPutScreenDesc(gif, 6, 5, 2, 0, map);
+  GraphicsControlBlock control{};
+  control.TransparentColor = 2;
+  GifByteType extension[4];
+  size_t length = EGifGCBToExtension(&control, extension);
+  EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, static_cast<int>(length), extension);
+  EGifPutImageDesc(gif, 1, 1, 4, 3, interlaced, nullptr);
+  // Row r of the frame holds index (r + x) % 4; interlacing writes rows 0, 2, 1.
+  std::vector<int> order = interlaced ? std::vector<int>{0, 2, 1} : std::vector<int>{0, 1, 2};
+  for (int r : order) {
+    GifPixelType line[4];
+    for (int x = 0; x < 4; ++x) line[x] = static_cast<GifPixelType>((r + x) % 4);
+    EGifPutLine(gif, line, 4);
+  }
+  EGifCloseFile(gif, &error);
+  GifFreeMapObject(map);
+  return out;
+}
+
+TEST(ImageCodecs, GifFirstFrameSitsOnTheScreenWithTransparency) {
+  for (bool interlaced : {false, true}) {
+    std::vector<uint8_t> gif = MakeGif(interlaced);
+    DecodedImage decoded = ReadImage(gif);
+    ASSERT_TRUE(decoded) << decoded.error;
+    const Rgba8 colors[4] = {{255, 0, 0, 255}, {0, 255, 0, 255}, {0, 0, 0, 0}, {9, 9, 9, 255}};
+    auto expected = Bitmap::create(6, 5);
+    for (int r = 0; r < 3; ++r)
+      for (int x = 0; x < 4; ++x) expected->setPixelAt(1 + x, 1 + r, colors[(r + x) % 4]);
+    EXPECT_TRUE(ImagesMatch(*decoded.bitmap, *expected, 0,
+                            interlaced ? "gif_interlaced" : "gif_progressive"));
+  }
+}
+
+TEST(ImageCodecs, LosslessWebPDecodesPremultiplied) {
+  const uint8_t straight[] = {200, 100, 50, 128, 0, 0, 255, 255, 9, 9, 9, 0, 255, 255, 255, 64};
+  uint8_t* encoded = nullptr;
+  size_t size = WebPEncodeLosslessRGBA(straight, 2, 2, 8, &encoded);
+  ASSERT_GT(size, 0u);
+  std::vector<uint8_t> webp(encoded, encoded + size);
+  WebPFree(encoded);
+  DecodedImage decoded = ReadImage(webp);
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0), (Rgba8{100, 50, 25, 128}));
+  EXPECT_EQ(decoded.bitmap->pixelAt(1, 0), (Rgba8{0, 0, 255, 255}));
+  EXPECT_EQ(decoded.bitmap->pixelAt(0, 1), (Rgba8{0, 0, 0, 0}));
+  EXPECT_EQ(decoded.bitmap->pixelAt(1, 1), (Rgba8{64, 64, 64, 64}));
+  DecodedImage cut = ReadImage(std::span(webp).first(webp.size() / 2));
+  EXPECT_FALSE(cut);
+  EXPECT_NE(cut.error.find("WebP image"), std::string::npos);
+}
+
+TEST(ImageCodecs, Bmp24BitBottomUpWithRowPadding) {
+  // 3 × 2: rows padded from 9 to 12 bytes; the first stored row is the bottom one.
+  std::vector<uint8_t> pixels = {
+      0, 0, 255, 0, 255, 0, 255, 0, 0, 0, 0, 0,        // bottom: red green blue
+      255, 255, 255, 0, 0, 0, 128, 128, 128, 0, 0, 0,  // top: white black grey
+  };
+  DecodedImage decoded = ReadImage(MakeBmp(3, 2, 24, 0, {}, pixels, {}, 5669));
+  ASSERT_TRUE(decoded) << decoded.error;
+  const Bitmap& b = *decoded.bitmap;
+  EXPECT_EQ(b.pixelAt(0, 1), (Rgba8{255, 0, 0, 255}));
+  EXPECT_EQ(b.pixelAt(2, 1), (Rgba8{0, 0, 255, 255}));
+  EXPECT_EQ(b.pixelAt(0, 0), (Rgba8{255, 255, 255, 255}));
+  EXPECT_EQ(b.pixelAt(2, 0), (Rgba8{128, 128, 128, 255}));
+  // 5669 pixels a metre is 144 dpi.
+  EXPECT_NEAR(b.size().width, 1.5, 0.01);
+}
+
+TEST(ImageCodecs, Bmp32BitTopDownWithAlphaMaskIsPremultiplied) {
+  std::vector<uint8_t> pixels = {50, 100, 200, 128, 0, 0, 0, 0};  // B G R A
+  DecodedImage decoded = ReadImage(MakeBmp(2, -1, 32, 3, {}, pixels,
+                                           {0x00ff0000, 0x0000ff00, 0x000000ff, 0xff000000}));
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0), (Rgba8{100, 50, 25, 128}));
+  EXPECT_EQ(decoded.bitmap->pixelAt(1, 0), (Rgba8{0, 0, 0, 0}));
+}
+
+TEST(ImageCodecs, Bmp32BitWithUnusedAlphaBytesIsOpaque) {
+  std::vector<uint8_t> pixels = {50, 100, 200, 0};
+  DecodedImage decoded = ReadImage(MakeBmp(1, 1, 32, 0, {}, pixels));
+  ASSERT_TRUE(decoded) << decoded.error;
+  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0), (Rgba8{200, 100, 50, 255}));
+}
+
+TEST(ImageCodecs, BmpPalettesIn1BitAndRle8) {
+  // 1 bit: 10 pixels wide, 1 row: bits 1010000011 padded to 4 bytes.
+  std::vector<uint32_t> palette = {0x000000, 0xffffff};
+  DecodedImage mono = ReadImage(MakeBmp(10, 1, 1, 0, palette, {0xa0, 0xc0, 0, 0}));
+  ASSERT_TRUE(mono) << mono.error;
+  EXPECT_EQ(mono.bitmap->pixelAt(0, 0).red, 255);
+  EXPECT_EQ(mono.bitmap->pixelAt(1, 0).red, 0);
+  EXPECT_EQ(mono.bitmap->pixelAt(8, 0).red, 255);
+  EXPECT_EQ(mono.bitmap->pixelAt(9, 0).red, 255);
+
+  // RLE8, 4 × 2: bottom row "run of 3 × index 1, literal [2]"; then a delta
+  // skips the top row's first two pixels (left transparent); run of 2 × 0.
+  std::vector<uint32_t> colors = {0x0000ff, 0x00ff00, 0xff0000};
+  std::vector<uint8_t> rle = {3, 1, 0, 3, 2, 2, 2, 0,  // run, literal of 3 (padded)
+                              0, 0,                    // end of line
+                              0, 2, 2, 0,              // delta (+2, +0)
+                              2, 0, 0, 1};             // run, end of bitmap
+  DecodedImage runs = ReadImage(MakeBmp(4, 2, 8, 1, colors, rle));
+  ASSERT_TRUE(runs) << runs.error;
+  const Bitmap& b = *runs.bitmap;
+  EXPECT_EQ(b.pixelAt(0, 1), (Rgba8{0, 255, 0, 255}));
+  EXPECT_EQ(b.pixelAt(3, 1), (Rgba8{255, 0, 0, 255}));  // literal's first index, clipped after
+  EXPECT_EQ(b.pixelAt(0, 0), (Rgba8{0, 0, 0, 0}));
+  EXPECT_EQ(b.pixelAt(2, 0), (Rgba8{0, 0, 255, 255}));
+  EXPECT_EQ(b.pixelAt(3, 0), (Rgba8{0, 0, 255, 255}));
+}
+
+// --- bad input
+
+TEST(ImageCodecs, ImagesAboveThePixelLimitAreRefusedBeforeDecoding) {
+  auto card = TestCard();
+  auto png = *WritePNG(*card);
+  DecodedImage limited = ReadImage(png, {.maxPixels = 19});
+  EXPECT_FALSE(limited);
+  EXPECT_NE(limited.error.find("above the limit of 19 pixels"), std::string::npos)
+      << limited.error;
+  EXPECT_TRUE(ReadImage(png, {.maxPixels = 20}));
+
+  // A BMP header claiming 30000 × 30000 pixels (900 megapixels) with no data.
+  DecodedImage huge = ReadImage(MakeBmp(30000, 30000, 24, 0, {}, {0, 0, 0, 0}));
+  EXPECT_FALSE(huge);
+  EXPECT_NE(huge.error.find("above the limit"), std::string::npos) << huge.error;
+  DecodedImage wide = ReadImage(MakeBmp(40000, 1, 24, 0, {}, {0, 0, 0, 0}));
+  EXPECT_NE(wide.error.find("too large"), std::string::npos) << wide.error;
+}
+
+TEST(ImageCodecs, MalformedInputGivesAClearError) {
+  EXPECT_EQ(ReadImage(std::vector<uint8_t>{}).error, "image data is empty");
+  std::vector<uint8_t> text = {'h', 'e', 'l', 'l', 'o'};
+  EXPECT_NE(ReadImage(text).error.find("not an image in a supported format"), std::string::npos);
+
+  auto png = *WritePNG(*TestCard());
+  DecodedImage cut = ReadImage(std::span(png).first(png.size() - 20));
+  EXPECT_FALSE(cut);
+  EXPECT_EQ(cut.error.rfind("PNG image: ", 0), 0u) << cut.error;
+
+  auto tiff = *WriteTIFF(*TestCard());
+  DecodedImage tiffCut = ReadImage(std::span(tiff).first(60));
+  EXPECT_FALSE(tiffCut);
+  EXPECT_EQ(tiffCut.error.rfind("TIFF image: ", 0), 0u) << tiffCut.error;
+
+  std::vector<uint8_t> gif = MakeGif(false);
+  DecodedImage gifCut = ReadImage(std::span(gif).first(30));
+  EXPECT_FALSE(gifCut);
+  EXPECT_EQ(gifCut.error.rfind("GIF image: ", 0), 0u) << gifCut.error;
+
+  DecodedImage bmpCut = ReadImage(MakeBmp(4, 4, 24, 0, {}, std::vector<uint8_t>(20)));
+  EXPECT_EQ(bmpCut.error, "BMP image: pixel data is truncated");
+
+  DecodedImage missing = ReadImageFile("/nonexistent/picture.png");
+  EXPECT_FALSE(missing);
+  EXPECT_NE(missing.error.find("/nonexistent/picture.png"), std::string::npos);
+}
+
+// Random corruption of valid files of every format must give a bitmap or an
+// error, never a crash, a hang or a sanitizer report.
+TEST(ImageCodecs, CorruptedFilesNeverCrash) {
+  std::vector<std::vector<uint8_t>> seeds = {
+      *WritePNG(*TestCard()), *WriteTIFF(*TestCard()), MakeGif(true),
+      MakeBmp(3, 2, 24, 0, {}, std::vector<uint8_t>(24, 7)),
+      MakeBmp(4, 2, 8, 1, {0xff, 0xff00}, {3, 1, 0, 3, 1, 0, 1, 0, 0, 1})};
+  std::mt19937 random(1234);
+  for (const auto& seed : seeds) {
+    for (int round = 0; round < 300; ++round) {
+      std::vector<uint8_t> bytes = seed;
+      int flips = 1 + static_cast<int>(random() % 4);
+      for (int i = 0; i < flips; ++i) bytes[random() % bytes.size()] = static_cast<uint8_t>(random());
+      if (random() % 3 == 0) bytes.resize(random() % bytes.size());
+      DecodedImage result = ReadImage(bytes, {.maxPixels = 1 << 20});
+      EXPECT_TRUE(result.bitmap || !result.error.empty());
+    }
+  }
+}
+
+}  // namespace
+}  // namespace paintdoc
