@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,7 @@
 #include "archive/archive_value.h"
 #include "archive/codable.h"
 #include "archive/shared_bytes.h"
+#include "platform/affine_transform.h"
 #include "platform/bezier_path.h"
 #include "platform/color.h"
 #include "platform/geometry.h"
@@ -147,8 +149,6 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   // The draw painted alone into a new bitmap of renderedRect()'s size, or
   // null for an empty outline or a rendered area below 1 unit either way.
   virtual std::shared_ptr<Bitmap> renderedImage();
-  // Drops a cached highlight outline; DrawBase keeps none.
-  virtual void clearHighlightCache() {}
   // The selected draw's outline in the highlight colour, in view units.
   virtual void drawHighlightInCanvasView(const CanvasView& view);
   // The marching-ants border of a draw without an outline of its own.
@@ -158,6 +158,57 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   virtual Point fillGradientCenterPointWithScale(float scale) const;
 
   // ---- end of the rendering pipeline ----
+
+  // ==== Geometry and transforms (implemented in draw_base_geometry.cc) ====
+  // The outline stays unrotated in the path; the rotation is kept apart in
+  // fRotateDegree_ and applied about rotateCenter() through transform().
+
+  // Tight bounds of the unrotated outline; the zero rectangle without a path
+  // or with an empty one.
+  virtual Rect pathBounds() const;
+  // The box around the rotated control-point box of the outline.
+  virtual Rect controlBounds() const;
+  // Centre of pathBounds(): the point the rotation turns about.
+  virtual Point rotateCenter() const;
+  // The rotation about rotateCenter(); identity for an empty outline or a
+  // rotation of exactly 0. invertTransform() turns the other way.
+  virtual AffineTransform transform() const;
+  virtual AffineTransform invertTransform() const;
+  // A point mapped by transform() / invertTransform(); itself when unrotated.
+  virtual Point pointAfterRotate(const Point& point) const;
+  virtual Point pointBeforeRotate(const Point& point) const;
+
+  virtual float rotateDegree() const { return fRotateDegree_; }
+  // Stores the rotation normalised into [-180, 180] (both ends kept as given).
+  virtual void setRotateDegree(float degrees);
+
+  // Sets the path's line width; a dash keeps its proportion to the width.
+  // Both setters create an empty path first when there is none.
+  virtual void setBezierPathLineWidth(float width);
+  // Sets the dash with phase 0; fewer than 2 entries make the line solid.
+  virtual void setBezierPathLineDash(std::span<const double> pattern);
+
+  // Mirrors the outline left-right (horizontal) or top-bottom about its own
+  // centre; a rotated draw then turns the other way.
+  virtual void flip(bool horizontal);
+  // Mirrors about an outside centre (a group's), moving the draw across it.
+  // Subclasses that override one flip bring the other in with `using`.
+  virtual void flip(bool horizontal, const Point& center);
+  virtual void moveBy(float x, float y);
+  // Scales the outline about `center` (the zero point: about the origin,
+  // without translation). Resizing line widths forces a proportional scale
+  // by sx and scales the width, dash and shadows with it.
+  virtual void scaleBy(float sx, float sy, const Point& center, bool resizeLineWidth);
+  // Moves the outline as if turned about `center` and adds the angle to the
+  // rotation without normalising it.
+  virtual void rotateByDegree(float degrees, const Point& center);
+  // Bakes the rotation into the outline and sets the rotation to 0.
+  virtual void applyRotationToBezierPath();
+
+  // Drops cached drawings of the outline (the editing highlight); called by
+  // every operation above that changes the outline. Nothing to drop here.
+  virtual void clearHighlightCache() {}
+  // ==== end of geometry and transforms ====
 
   // --- Class traits
 

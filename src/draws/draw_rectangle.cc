@@ -140,7 +140,7 @@ void DrawRoundRectangle::setXRadius(float xRadius, float yRadius) {
   bezierPath_->appendRoundedRect(box, fXRadius_, fYRadius_);
 }
 
-void DrawRoundRectangle::scaleBy(float sx, float sy, Point center, bool resizeLineWidth) {
+void DrawRoundRectangle::scaleBy(float sx, float sy, const Point& center, bool resizeLineWidth) {
   if (sx == 0 || sy == 0) return;
   DrawRectangle::scaleBy(sx, sy, center, resizeLineWidth);
   fXRadius_ *= sx;

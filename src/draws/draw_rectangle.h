@@ -93,7 +93,7 @@ class DrawRoundRectangle : public DrawRectangle {
 
   // DrawBase's scaling, then each radius scaled with its axis: x by sx, y by
   // sx when line widths are resized (proportional scaling) and by sy when not.
-  void scaleBy(float sx, float sy, Point center, bool resizeLineWidth) override;
+  void scaleBy(float sx, float sy, const Point& center, bool resizeLineWidth) override;
 
  protected:
   float fXRadius_ = 0;

@@ -1,20 +1,68 @@
+#include "geometry/exact_float_arithmetic.h"
 #include "geometry/bezier_math.h"
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace paintdoc {
 namespace {
+
+// The four Bernstein weights of a cubic at one parameter, in double precision:
+// a point's coordinate is w0 a + w1 b + w2 c + w3 d, summed in that order.
+struct CubicWeights {
+  double w0, w1, w2, w3;
+
+  explicit CubicWeights(float t) {
+    const double s = t;
+    const double u = 1.0 - s;
+    w0 = u * u * u;
+    w1 = 3.0 * u * u * s;
+    w2 = 3.0 * u * s * s;
+    w3 = s * s * s;
+  }
+  float apply(float a, float b, float c, float d) const {
+    return static_cast<float>(w0 * a + w1 * b + w2 * c + w3 * d);
+  }
+};
 
 // The sampling parameter of step i, computed in single precision.
 float SampleParameter(uint64_t step) {
   return static_cast<float>(step) / static_cast<float>(kCubicBezierSampleSteps);
 }
 
-Point SamplePoint(uint64_t step, const Point& start, const Point& control1,
-                  const Point& control2, const Point& end) {
-  return CubicBezierPoint(SampleParameter(step), start, control1, control2, end);
+// The weights of every sampling step, shared by all curves: measuring a curve
+// then costs a few multiplications a sample.
+const std::vector<CubicWeights>& SampleWeights() {
+  static const std::vector<CubicWeights> table = [] {
+    std::vector<CubicWeights> weights;
+    weights.reserve(kCubicBezierSampleSteps + 1);
+    for (uint64_t step = 0; step <= kCubicBezierSampleSteps; ++step) {
+      weights.emplace_back(SampleParameter(step));
+    }
+    return weights;
+  }();
+  return table;
 }
+
+// A curve's control coordinates rounded to single precision once, for sampling.
+struct SingleCurve {
+  float x0, x1, x2, x3, y0, y1, y2, y3;
+
+  const CubicWeights* weights;
+
+  SingleCurve(const Point& start, const Point& control1, const Point& control2,
+              const Point& end)
+      : x0(float(start.x)), x1(float(control1.x)), x2(float(control2.x)), x3(float(end.x)),
+        y0(float(start.y)), y1(float(control1.y)), y2(float(control2.y)), y3(float(end.y)),
+        weights(SampleWeights().data()) {}
+
+  // The same value as CubicBezierPoint(SampleParameter(step), ...).
+  Point sample(uint64_t step) const {
+    const CubicWeights& w = weights[step];
+    return {w.apply(x0, x1, x2, x3), w.apply(y0, y1, y2, y3)};
+  }
+};
 
 // A curve's coordinate at s with every operation in single precision, left to
 // right, as the tangent estimate of InterpolatePointFromElement needs it.
@@ -45,10 +93,7 @@ double PointDistanceFromPoint(const Point& a, const Point& b) {
 }
 
 float CubicBezier(float t, float a, float b, float c, float d) {
-  const double s = t;
-  const double u = 1.0 - s;
-  const double value = u * u * u * a + 3.0 * u * u * s * b + 3.0 * u * s * s * c + s * s * s * d;
-  return static_cast<float>(value);
+  return CubicWeights(t).apply(a, b, c, d);
 }
 
 Point CubicBezierPoint(double t, const Point& start, const Point& control1,
@@ -63,10 +108,11 @@ Point CubicBezierPoint(double t, const Point& start, const Point& control1,
 
 double CubicBezierLength(const Point& start, const Point& control1, const Point& control2,
                          const Point& end) {
+  const SingleCurve curve(start, control1, control2, end);
   double length = 0;
-  Point previous = SamplePoint(0, start, control1, control2, end);
+  Point previous = curve.sample(0);
   for (uint64_t step = 1; step <= kCubicBezierSampleSteps; ++step) {
-    const Point sample = SamplePoint(step, start, control1, control2, end);
+    const Point sample = curve.sample(step);
     length += PointDistanceFromPoint(previous, sample);
     previous = sample;
   }
@@ -85,22 +131,23 @@ double CubicBezierLengthTarget(const Point& start, const Point& control1,
     if (firstStep > kCubicBezierSampleSteps) return length;
   }
 
-  Point previous;
-  for (uint64_t step = firstStep; step <= kCubicBezierSampleSteps; ++step) {
-    const Point sample = SamplePoint(step, start, control1, control2, end);
-    if (step > firstStep) length += PointDistanceFromPoint(previous, sample);
-    previous = sample;
-    if (target <= length) {
-      // Only a search that got further than the record moves it forward.
-      if (details != nullptr && details->curveStep < step) {
-        details->curveStep = step;
-        details->curveLength = length;
-        details->curvePoint = sample;
-      }
-      return -1.0;
-    }
+  // The first sample only sets where the walk continues from.
+  const SingleCurve curve(start, control1, control2, end);
+  uint64_t step = firstStep;
+  Point sample = curve.sample(step);
+  while (target > length) {
+    if (++step > kCubicBezierSampleSteps) return length;  // the target lies beyond
+    const Point previous = sample;
+    sample = curve.sample(step);
+    length += PointDistanceFromPoint(previous, sample);
   }
-  return length;
+  // Only a search that got further than the record moves it forward.
+  if (details != nullptr && details->curveStep < step) {
+    details->curveStep = step;
+    details->curveLength = length;
+    details->curvePoint = sample;
+  }
+  return -1.0;
 }
 
 Point InterpolateLineSegment(const Point& a, const Point& b, double t, Point* delta) {

@@ -1,3 +1,4 @@
+#include "geometry/exact_float_arithmetic.h"
 #include "geometry/ellipse_point.h"
 
 #include <cmath>
