@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -110,17 +111,17 @@ class ArchiveValue {
   ArchiveValue(Size v) : value_(v) {}
   ArchiveValue(Rect v) : value_(v) {}
   ArchiveValue(Range v) : value_(v) {}
-  ArchiveValue(Color v) : value_(std::move(v)) {}
-  ArchiveValue(BezierPath v) : value_(std::move(v)) {}
-  ArchiveValue(Gradient v) : value_(std::move(v)) {}
-  ArchiveValue(Shadow v) : value_(std::move(v)) {}
-  ArchiveValue(AffineTransform v) : value_(v) {}
-  ArchiveValue(AttributedString v) : value_(std::move(v)) {}
-  ArchiveValue(Font v) : value_(std::move(v)) {}
-  ArchiveValue(ParagraphStyle v) : value_(std::move(v)) {}
   ArchiveValue(TextTab v) : value_(v) {}
+  ArchiveValue(Color v) : value_(Box(std::move(v))) {}
+  ArchiveValue(BezierPath v) : value_(Box(std::move(v))) {}
+  ArchiveValue(Gradient v) : value_(Box(std::move(v))) {}
+  ArchiveValue(Shadow v) : value_(Box(std::move(v))) {}
+  ArchiveValue(AffineTransform v) : value_(Box(v)) {}
+  ArchiveValue(AttributedString v) : value_(Box(std::move(v))) {}
+  ArchiveValue(Font v) : value_(Box(std::move(v))) {}
+  ArchiveValue(ParagraphStyle v) : value_(Box(std::move(v))) {}
+  ArchiveValue(ArchivedImage v) : value_(Box(std::move(v))) {}
   ArchiveValue(std::shared_ptr<Bitmap> v) : value_(std::move(v)) {}
-  ArchiveValue(ArchivedImage v) : value_(std::move(v)) {}
   ArchiveValue(std::shared_ptr<Object> v) : value_(std::move(v)) {}
   static ArchiveValue array(ValueArray items);
   static ArchiveValue dictionary(ValueDictionary entries);
@@ -148,9 +149,20 @@ class ArchiveValue {
   const SharedBytes* asData() const { return std::get_if<SharedBytes>(&value_); }
   const ValueArray* asArray() const;       // arrays and sets
   const ValueDictionary* asDictionary() const;
+  // The value if it is a T (Color, BezierPath, Point, Date...), else null.
   template <class T>
   const T* as() const {
-    return std::get_if<T>(&value_);
+    if constexpr (kBoxed<T>) {
+      const auto* box = std::get_if<std::shared_ptr<const T>>(&value_);
+      return box ? box->get() : nullptr;
+    } else {
+      return std::get_if<T>(&value_);
+    }
+  }
+  // The bitmap if the value is one, else null.
+  std::shared_ptr<Bitmap> asBitmap() const {
+    const auto* bitmap = std::get_if<std::shared_ptr<Bitmap>>(&value_);
+    return bitmap ? *bitmap : nullptr;
   }
   // A model object of class T (or a subclass), or null.
   template <class T>
@@ -167,14 +179,31 @@ class ArchiveValue {
   struct ArrayBox {
     ValueArray items;
     bool isSet = false;
+    friend bool operator==(const ArrayBox&, const ArrayBox&) = default;
   };
+  // Larger platform values are held behind a shared pointer so that values
+  // copy cheaply (they are immutable once made).
+  template <class T>
+  static constexpr bool kBoxed =
+      std::is_same_v<T, Color> || std::is_same_v<T, BezierPath> || std::is_same_v<T, Gradient> ||
+      std::is_same_v<T, Shadow> || std::is_same_v<T, AffineTransform> ||
+      std::is_same_v<T, AttributedString> || std::is_same_v<T, Font> ||
+      std::is_same_v<T, ParagraphStyle> || std::is_same_v<T, ArchivedImage>;
+  template <class T>
+  static std::shared_ptr<const T> Box(T value) {
+    return std::make_shared<const T>(std::move(value));
+  }
+
   using Storage =
       std::variant<std::monostate, NullObject, bool, int64_t, UnsignedInteger, double,
                    SinglePrecision, std::string, SharedBytes, Date,
                    std::shared_ptr<const ArrayBox>, std::shared_ptr<const ValueDictionary>,
-                   Point, Size, Rect, Range, Color, BezierPath, Gradient, Shadow,
-                   AffineTransform, AttributedString, Font, ParagraphStyle, TextTab,
-                   std::shared_ptr<Bitmap>, ArchivedImage, std::shared_ptr<Object>>;
+                   Point, Size, Rect, Range, std::shared_ptr<const Color>,
+                   std::shared_ptr<const BezierPath>, std::shared_ptr<const Gradient>,
+                   std::shared_ptr<const Shadow>, std::shared_ptr<const AffineTransform>,
+                   std::shared_ptr<const AttributedString>, std::shared_ptr<const Font>,
+                   std::shared_ptr<const ParagraphStyle>, TextTab, std::shared_ptr<Bitmap>,
+                   std::shared_ptr<const ArchivedImage>, std::shared_ptr<Object>>;
 
   Storage value_;
   bool mutable_ = false;

@@ -2,6 +2,7 @@
 // representations (the first one is the one that is drawn).
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -25,6 +26,8 @@ struct ArchivedImage {
   std::shared_ptr<Bitmap> firstBitmap() const {
     return representations.empty() ? nullptr : representations.front();
   }
+  // Representations compare by identity.
+  friend bool operator==(const ArchivedImage&, const ArchivedImage&) = default;
 };
 
 }  // namespace paintdoc

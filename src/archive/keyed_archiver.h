@@ -30,7 +30,6 @@
 namespace paintdoc {
 
 class Bitmap;
-class PlistBuilder;
 
 // The archived classes of rich text.
 enum class AttributedStringClass { AttributedString, MutableAttributedString, TextStorage };
@@ -95,14 +94,25 @@ class KeyedArchiver {
       const AttributedString& value, std::string_view key,
       AttributedStringClass archivedClass = AttributedStringClass::TextStorage);
   void encodeBitmapForKey(const Bitmap& value, std::string_view key);
+  // The same; one bitmap instance encoded twice is written once and shared.
+  void encodeBitmapForKey(const std::shared_ptr<Bitmap>& value, std::string_view key);
   void encodeImageForKey(const ArchivedImage& value, std::string_view key);
   // Any value (absent writes the null reference).
   void encodeValueForKey(const ArchiveValue& value, std::string_view key);
 
  private:
   friend class ArchiveObjectWriter;
+  struct State;
 
-  std::unique_ptr<PlistBuilder> builder_;
+  // Adds a value under a key of the object being encoded (replacing an earlier one).
+  void put(std::string_view key, uint32_t node);
+  bool checkOpen() const;
+  uint64_t archiveCodable(const Codable& object);
+  uint64_t classDescription(std::span<const std::string> classChain);
+  uint64_t beginObject(std::span<const std::string> classChain);
+  void endObject();
+
+  std::unique_ptr<State> state_;
   bool finished_ = false;
 };
 

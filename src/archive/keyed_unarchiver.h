@@ -14,7 +14,7 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
+#include <unordered_map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -143,14 +143,22 @@ class KeyedUnarchiver {
   std::vector<std::shared_ptr<Object>> decodeObjectArrayForKey(std::string_view key);
   void reportWrongClass(std::string_view key, const std::string& className) const;
 
-  // The plist object index stored under the key in the current object, or
-  // nothing when the key is missing.
-  std::optional<uint32_t> lookUp(std::string_view key) const;
-  // Follows a UID to the object it names (nothing for the null UID or a bad UID).
-  std::optional<uint32_t> resolve(uint32_t plistIndex) const;
-
   bool open(SharedBytes bytes);
   void fail(std::string message);
+
+  // The property-list node stored under the key in the current object.
+  std::optional<uint32_t> lookUp(std::string_view key) const;
+  // The node itself, or for a reference the archived object it names; nothing
+  // for the null reference or a reference past the objects.
+  std::optional<uint32_t> resolve(uint32_t node) const;
+  // Decodes any node: scalars, inline containers, references to archived objects.
+  ArchiveValue decodeNode(uint32_t node);
+  ArchiveValue decodeReference(uint64_t uid);
+  // An archived object's dictionary, through its class's form or initWithCoder.
+  ArchiveValue decodeArchivedObject(uint32_t dictionary);
+  std::string classNameOf(uint32_t dictionary) const;
+  // Counts decoding work; false once the budget is spent (the archive then fails).
+  bool charge(uint64_t units);
 
   ArchiveLimits limits_;
   std::unique_ptr<PropertyList> plist_;
@@ -158,10 +166,13 @@ class KeyedUnarchiver {
   bool finished_ = false;
   std::string error_;
 
-  uint32_t objectsArray_ = 0;               // the "$objects" array
-  std::vector<uint32_t> currentObject_;     // stack of dictionaries being decoded
-  std::map<uint64_t, std::shared_ptr<Object>> decodedObjects_;  // by UID
-  std::vector<uint64_t> objectsUnderConstruction_;
+  uint32_t objects_ = 0;                 // the "$objects" array
+  std::vector<uint32_t> currentObject_;  // dictionaries being decoded, innermost last
+  size_t depth_ = 0;                     // nesting of decodeNode
+  uint64_t workBudget_ = 0;
+  // Archived model objects and bitmaps by UID: one instance however often referenced.
+  std::unordered_map<uint64_t, ArchiveValue> sharedObjects_;
+  std::vector<uint64_t> underConstruction_;
 };
 
 }  // namespace paintdoc

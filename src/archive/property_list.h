@@ -32,27 +32,27 @@ enum class PlistType : uint8_t {
   Uid,
   Array,
   Set,
-  Dictionary,  // `count` pairs: keys at refs [first, first + count), values after them
+  Dictionary,  // `count` pairs: keys first, then values
 };
 
+// One object of the table (24 bytes: a file may hold millions).
 struct PlistObject {
   PlistType type = PlistType::Null;
   bool isUnsigned = false;         // Integer above INT64_MAX
   bool isSinglePrecision = false;  // Real stored as float32
   bool isUtf16 = false;            // String bytes are UTF-16 big-endian
+  uint32_t count = 0;              // Array, Set: elements; Dictionary: pairs
   union {
     int64_t integer;
     uint64_t unsignedInteger;
-    double real;
+    double real;  // Real and Date
     bool boolean;
     uint64_t uid;
+    const uint8_t* bytes;  // Data and String
   };
-  // Data and String: the bytes. Array, Set, Dictionary: first index into
-  // refs() and the element (pair) count.
-  const uint8_t* bytes = nullptr;
-  uint32_t first = 0;
-  uint32_t count = 0;
-  size_t byteCount = 0;
+  // Data and String: the byte length. Array, Set, Dictionary: the index into
+  // the reference table where the elements (keys, then values) start.
+  uint64_t extent = 0;
 
   PlistObject() : integer(0) {}
 };
@@ -81,15 +81,15 @@ class PropertyList {
   // --- element access (the index must be of the right type)
   // Element i of an array or set.
   uint32_t elementAt(uint32_t container, uint32_t i) const {
-    return refs_[objects_[container].first + i];
+    return refs_[objects_[container].extent + i];
   }
   std::span<const uint32_t> elements(uint32_t container) const;
   uint32_t keyAt(uint32_t dictionary, uint32_t i) const {
-    return refs_[objects_[dictionary].first + i];
+    return refs_[objects_[dictionary].extent + i];
   }
   uint32_t valueAt(uint32_t dictionary, uint32_t i) const {
     const PlistObject& d = objects_[dictionary];
-    return refs_[d.first + d.count + i];
+    return refs_[d.extent + d.count + i];
   }
   // The value under a string key, or nothing.
   std::optional<uint32_t> lookUp(uint32_t dictionary, std::string_view key) const;

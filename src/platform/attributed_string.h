@@ -14,6 +14,7 @@
 #include "platform/font.h"
 #include "platform/paragraph_style.h"
 #include "platform/shadow.h"
+#include "platform/utf16.h"
 
 namespace paintdoc {
 
@@ -96,9 +97,5 @@ class AttributedString {
   std::u16string text_;
   std::vector<AttributeRun> runs_;
 };
-
-// UTF-8 ↔ UTF-16. Ill-formed input becomes U+FFFD.
-std::u16string Utf8ToUtf16(std::string_view text);
-std::string Utf16ToUtf8(std::u16string_view text);
 
 }  // namespace paintdoc
