@@ -135,7 +135,8 @@ double CubicBezierLengthTarget(const Point& start, const Point& control1,
   const SingleCurve curve(start, control1, control2, end);
   uint64_t step = firstStep;
   Point sample = curve.sample(step);
-  while (target > length) {
+  // Written so that a target that is not a number is never reached.
+  while (!(target <= length)) {
     if (++step > kCubicBezierSampleSteps) return length;  // the target lies beyond
     const Point previous = sample;
     sample = curve.sample(step);

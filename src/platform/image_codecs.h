@@ -60,8 +60,12 @@ struct PngWriteOptions {
   // zlib level 0 (none) to 9 (smallest). The default favours speed: previews
   // are written once and read once.
   int compressionLevel = 1;
-  // Keep the alpha channel even when every pixel is opaque (thumbnails
-  // are expected to carry full alpha).
+};
+
+// What a PNG carries besides its pixels.
+struct PngMetadata {
+  // Keep the alpha channel even when every pixel is opaque (thumbnails are
+  // expected to carry full alpha).
   bool keepAlphaChannel = false;
   // tEXt entries (keyword, Latin-1 text) written before the pixels.
   std::vector<std::pair<std::string, std::string>> textEntries;
@@ -72,6 +76,10 @@ struct PngWriteOptions {
 // pixel size). Empty optional, with `error` set when given, on failure.
 std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap,
                                              const PngWriteOptions& options = {},
+                                             std::string* error = nullptr);
+// The same with an alpha channel kept on request and text entries.
+std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
+                                             const PngMetadata& metadata,
                                              std::string* error = nullptr);
 
 // Baseline TIFF bytes as documents embed them: uncompressed, 8-bit RGBA,

@@ -137,7 +137,7 @@ struct PngWriteState : PngSession {
   const Bitmap* bitmap = nullptr;
   int compressionLevel = 1;
   bool opaque = false;
-  std::vector<png_text> texts;  // pointing into the caller's options
+  std::vector<png_text> texts;  // pointing into the caller's metadata
   std::vector<uint8_t> output;
   std::vector<uint8_t> rowBuffer;
 };
@@ -203,6 +203,11 @@ bool EncodePng(PngWriteState* state) {
 
 std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
                                              std::string* error) {
+  return WritePNG(bitmap, options, PngMetadata{}, error);
+}
+
+std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
+                                             const PngMetadata& metadata, std::string* error) {
   if (bitmap.isEmpty()) {
     if (error) *error = "cannot write an empty bitmap as PNG";
     return std::nullopt;
@@ -212,8 +217,8 @@ std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWrit
   state.compressionLevel = options.compressionLevel < 0   ? 0
                            : options.compressionLevel > 9 ? 9
                                                           : options.compressionLevel;
-  state.opaque = !options.keepAlphaChannel && IsOpaque(bitmap);
-  for (const auto& [keyword, text] : options.textEntries) {
+  state.opaque = !metadata.keepAlphaChannel && IsOpaque(bitmap);
+  for (const auto& [keyword, text] : metadata.textEntries) {
     png_text entry{};
     entry.compression = PNG_TEXT_COMPRESSION_NONE;
     entry.key = const_cast<char*>(keyword.c_str());

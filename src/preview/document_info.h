@@ -19,7 +19,7 @@ struct LayerInfo {
   bool visible = false;
   bool locked = false;
   double rotation = 0;  // degrees
-  Rect bounds;          // the unrotated outline's bounds
+  Rect bounds;          // pathBounds: the unrotated outline's bounds
   bool isGroup = false;
   std::vector<LayerInfo> members;  // for a group
 };

@@ -1,0 +1,134 @@
+#include "preview/document_info.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "document/paint_manager.h"
+#include "draws/draw_group.h"
+#include "draws/draw_image.h"
+#include "preview/preview_source.h"
+
+namespace paintdoc {
+
+namespace {
+
+LayerInfo DescribeDraw(const DrawBase& draw) {
+  LayerInfo layer;
+  layer.className = draw.className();
+  layer.title = draw.layerTitle();
+  layer.visible = draw.visible();
+  layer.locked = draw.locked();
+  layer.rotation = draw.rotateDegree();
+  layer.bounds = draw.pathBounds();
+  if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
+    layer.isGroup = true;
+    for (const auto& member : group->draws()) layer.members.push_back(DescribeDraw(*member));
+  }
+  return layer;
+}
+
+// JSON has no NaN or infinity; such values print as null.
+std::string JsonNumber(double value) {
+  return std::isfinite(value) ? FormatNumber(value) : "null";
+}
+
+std::string JsonString(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    switch (c) {
+      case '"': out += "\\\""; break;
+      case '\\': out += "\\\\"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\t': out += "\\t"; break;
+      default:
+        if (static_cast<unsigned char>(c) < 0x20) {
+          char escaped[8];
+          std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
+          out += escaped;
+        } else {
+          out += c;
+        }
+    }
+  }
+  return out + "\"";
+}
+
+const char* JsonBool(bool value) { return value ? "true" : "false"; }
+
+void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
+  out += "[";
+  for (size_t i = 0; i < layers.size(); ++i) {
+    const LayerInfo& layer = layers[i];
+    if (i > 0) out += ",";
+    out += "{\"class\":" + JsonString(layer.className);
+    out += ",\"title\":" + JsonString(layer.title);
+    out += ",\"visible\":" + std::string(JsonBool(layer.visible));
+    out += ",\"locked\":" + std::string(JsonBool(layer.locked));
+    out += ",\"rotation\":" + JsonNumber(layer.rotation);
+    out += ",\"bounds\":[" + JsonNumber(layer.bounds.origin.x) + "," +
+           JsonNumber(layer.bounds.origin.y) + "," + JsonNumber(layer.bounds.size.width) + "," +
+           JsonNumber(layer.bounds.size.height) + "]";
+    if (layer.isGroup) {
+      out += ",\"layers\":";
+      AppendLayersJson(out, layer.members);
+    }
+    out += "}";
+  }
+  out += "]";
+}
+
+void AppendLayersText(std::string& out, const std::vector<LayerInfo>& layers, int depth) {
+  for (const LayerInfo& layer : layers) {
+    out += std::string(2 * (depth + 1), ' ') + layer.className + " \"" + layer.title + "\"";
+    out += layer.visible ? " visible" : " hidden";
+    if (layer.locked) out += " locked";
+    out += " rotation " + FormatNumber(layer.rotation);
+    out += " bounds " + StringFromRect(layer.bounds);
+    if (layer.isGroup) out += " (" + std::to_string(layer.members.size()) + " members)";
+    out += "\n";
+    AppendLayersText(out, layer.members, depth + 1);
+  }
+}
+
+}  // namespace
+
+DocumentInfo DescribePreviewSource(const PreviewSource& source) {
+  DocumentInfo info;
+  info.size = source.contentSize;
+  if (!source.canvas) return info;
+  const PaintManager& canvas = *source.canvas;
+  info.isDocument = true;
+  info.version = source.version;
+  info.hasBackground = canvas.backgroundDraw() != nullptr;
+  info.maskWithBackground = canvas.maskBackground();
+  for (const auto& draw : canvas.allDraws()) info.layers.push_back(DescribeDraw(*draw));
+  return info;
+}
+
+std::string FormatDocumentInfoText(const DocumentInfo& info) {
+  const std::string size = FormatNumber(info.size.width) + " x " + FormatNumber(info.size.height);
+  if (!info.isDocument) return "image " + size + "\n";
+  std::string out = "document version " + std::to_string(info.version) + ", canvas " + size +
+                    "\nbackground: " + (info.hasBackground ? "yes" : "no") +
+                    ", mask with background: " + (info.maskWithBackground ? "yes" : "no") + "\n" +
+                    std::to_string(info.layers.size()) + " layers, bottom first:\n";
+  AppendLayersText(out, info.layers, 0);
+  return out;
+}
+
+std::string FormatDocumentInfoJson(const DocumentInfo& info) {
+  const std::string width = JsonNumber(info.size.width);
+  const std::string height = JsonNumber(info.size.height);
+  if (!info.isDocument) {
+    return "{\"kind\":\"image\",\"width\":" + width + ",\"height\":" + height + "}\n";
+  }
+  std::string out = "{\"kind\":\"document\",\"version\":" + std::to_string(info.version) +
+                    ",\"width\":" + width + ",\"height\":" + height +
+                    ",\"hasBackground\":" + JsonBool(info.hasBackground) +
+                    ",\"maskWithBackground\":" + JsonBool(info.maskWithBackground) + ",\"layers\":";
+  AppendLayersJson(out, info.layers);
+  return out + "}\n";
+}
+
+}  // namespace paintdoc
