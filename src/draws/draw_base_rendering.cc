@@ -8,6 +8,7 @@
 
 #include "draws/canvas_view.h"
 #include "draws/draw_base.h"
+#include "platform/gaussian_blur.h"
 #include "platform/graphics_context.h"
 #include "platform/log.h"
 #include "raster/bitmap_functions.h"
@@ -78,6 +79,35 @@ Rect WithShadowAndReflection(const DrawBase& draw, Rect rect, const Rect& drawRe
     rect = RectUnion(rect, reflection);
   }
   return rect;
+}
+
+// The bounding box of a rectangle mapped by a transform.
+Rect TransformedBounds(const Rect& rect, const AffineTransform& transform) {
+  BezierPath box = BezierPath::withRect(rect);
+  box.transform(transform);
+  return box.bounds();
+}
+
+// A transparency layer covers the whole clip, and so does the shadow it casts
+// as one object. Around a single fill, narrowing the clip to what the fill and
+// its shadow can reach keeps both small without changing a pixel: the layer
+// is transparent everywhere else, and a source-over composite of nothing
+// leaves the destination as it is. `bounds` is in user space; shadow offset
+// and blur are in device pixels.
+void ClipToFillAndItsShadow(GraphicsContext& context, const Rect& bounds, const Shadow& shadow) {
+  const std::shared_ptr<Bitmap>& bitmap = context.bitmap();
+  if (!bitmap || bitmap->isEmpty()) return;
+  const double pointsPerPixel = std::max(bitmap->size().width / bitmap->pixelsWide(),
+                                         bitmap->size().height / bitmap->pixelsHigh());
+  const AffineTransform toDefault = context.currentTransform();
+  const Rect fill = TransformedBounds(bounds, toDefault);
+  const Size offset = shadow.shadowOffset();
+  const double reach =
+      (GaussianBlurReach(ShadowBlurSigma(shadow.shadowBlurRadius())) + 2) * pointsPerPixel;
+  Rect affected = RectUnion(fill, RectOffset(fill, offset.width * pointsPerPixel,
+                                             offset.height * pointsPerPixel));
+  affected = RectInset(affected, -reach, -reach);
+  context.clipToRect(TransformedBounds(affected, toDefault.inverted()));
 }
 
 // The radial gradient's centre relative to `bounds`: (0, 0) its middle,
@@ -165,10 +195,16 @@ void DrawBase::_draw() {
     if (bFillWithGdt_) {
       if (gradientFill_) {
         // Inside a layer the gradient's many pieces cast one shadow together.
+        const bool narrowLayer = shadowApplies && !copyWhenComposite();
+        if (narrowLayer) {
+          context->saveGraphicsState();
+          ClipToFillAndItsShadow(*context, bounds, *shadow_);
+        }
         if (shadowApplies) context->beginTransparencyLayer();
         PaintGradientFill(*context, *this, outline, 1.0f,
                           static_cast<float>(fFillGdtDegree_ + fRotateDegree_));
         if (shadowApplies) context->endTransparencyLayer();
+        if (narrowLayer) context->restoreGraphicsState();
       }
     } else {
       // A draw that replaces pixels fills even without a colour of its own,

@@ -358,6 +358,30 @@ TEST(GradientPixels, GradientBoxRotatedBy30DegreesPaintsAt120) {
   EXPECT_TRUE(ImagesMatch(*image, *expected, 2, "gradient_box_rotated_30", edge));
 }
 
+// A gradient casts the shadow of its whole shape, exactly as a plain fill of
+// that shape does, however far the blur reaches.
+TEST(GradientPixels, GradientCastsOneShadowLikeAPlainFillOfItsShape) {
+  const Shadow wideShadow(Color::calibratedWhite(0, 0.8), MakeSize(12, -9), 20);
+  auto gradient = MakeDraw<DrawGradient>();
+  gradient->setBezierPathWithBounds(MakeRect(50, 60, 60, 40));
+  gradient->setFillGradient(Gradient::withStartingColor(Color::redColor(), Color::blueColor()));
+  gradient->setRotateDegree(20);
+  gradient->setEnableShadow(true);
+  gradient->setShadow(wideShadow);
+  auto plain = Rectangle(MakeRect(50, 60, 60, 40), Color::greenColor(), std::nullopt);
+  plain->setRotateDegree(20);
+  plain->setEnableShadow(true);
+  plain->setShadow(wideShadow);
+  auto gradientImage = Compose(180, 160, {gradient});
+  auto plainImage = Compose(180, 160, {plain});
+  // Compare everywhere the shapes themselves (and their edges) do not paint.
+  const BezierPath outline = gradient->bezierPath()->transformed(gradient->transform());
+  const Rect shape = RectInset(outline.bounds(), -1, -1);
+  auto onShape = [&](int x, int y) { return CentreIn(x, y, shape); };
+  EXPECT_TRUE(ImagesMatch(*gradientImage, *plainImage, 1, "gradient_shadow", onShape));
+  EXPECT_GT(PixelAt(*gradientImage, 135, 71).alpha, 0);  // the tail is there
+}
+
 // The reflection mirrors the draw below its bottom edge and fades it with a
 // gradient from alpha min(max(s + 0.2, 0.4), 1) at the edge to
 // min(max(s - 1, 0), 1) at the far end, over min(s, 1) of the draw's height.
