@@ -16,8 +16,23 @@ AffineTransform FromCairoMatrix(const cairo_matrix_t& m) {
   return AffineTransform(m.xx, m.yx, m.xy, m.yy, m.x0, m.y0);
 }
 
+namespace {
+
+bool HasOnlyFinitePoints(const BezierPath& path) {
+  for (const PathElement& element : path.elements()) {
+    for (const Point& p : element.points) {
+      if (!std::isfinite(p.x) || !std::isfinite(p.y)) return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
 void AppendPath(cairo_t* cr, const BezierPath& path) {
   cairo_new_path(cr);
+  // A path with a NaN or infinite point (from a damaged file) draws nothing.
+  if (!HasOnlyFinitePoints(path)) return;
   for (const PathElement& element : path.elements()) {
     const auto& p = element.points;
     switch (element.type) {
@@ -48,16 +63,17 @@ double OneDevicePixelInUserSpace(cairo_t* cr) {
 
 void ApplyStrokeStyle(cairo_t* cr, const BezierPath& path) {
   double width = path.lineWidth();
-  cairo_set_line_width(cr, width > 0 ? width : OneDevicePixelInUserSpace(cr));
-  // The cap and join numbers of both libraries coincide.
-  cairo_set_line_cap(cr, static_cast<cairo_line_cap_t>(path.lineCapStyle()));
-  cairo_set_line_join(cr, static_cast<cairo_line_join_t>(path.lineJoinStyle()));
-  cairo_set_miter_limit(cr, path.miterLimit());
+  cairo_set_line_width(cr, width > 0 && std::isfinite(width) ? width : OneDevicePixelInUserSpace(cr));
+  // The cap and join numbers of both libraries coincide (0 to 2).
+  int cap = static_cast<int>(path.lineCapStyle()), join = static_cast<int>(path.lineJoinStyle());
+  cairo_set_line_cap(cr, static_cast<cairo_line_cap_t>(cap >= 0 && cap <= 2 ? cap : 0));
+  cairo_set_line_join(cr, static_cast<cairo_line_join_t>(join >= 0 && join <= 2 ? join : 0));
+  cairo_set_miter_limit(cr, std::isfinite(path.miterLimit()) ? path.miterLimit() : 10.0);
   const std::vector<double>& dash = path.lineDash();
   bool valid = std::none_of(dash.begin(), dash.end(),
                             [](double d) { return d < 0 || !std::isfinite(d); }) &&
                std::any_of(dash.begin(), dash.end(), [](double d) { return d > 0; });
-  if (valid) {
+  if (valid && std::isfinite(path.lineDashPhase())) {
     cairo_set_dash(cr, dash.data(), static_cast<int>(dash.size()), path.lineDashPhase());
   } else {
     cairo_set_dash(cr, nullptr, 0, 0);
@@ -104,9 +120,17 @@ bool IsUnboundedInCairo(cairo_operator_t op) {
          op == CAIRO_OPERATOR_DEST_ATOP;
 }
 
+namespace {
+
+// A colour component as cairo may take it: within [0, 1], NaN as 0.
+double Component(double value) { return std::isfinite(value) ? std::clamp(value, 0.0, 1.0) : 0.0; }
+
+}  // namespace
+
 void SetSourceColor(cairo_t* cr, const Color& color, double alpha) {
   RGBA rgba = color.toCalibratedRGB();
-  cairo_set_source_rgba(cr, rgba.red, rgba.green, rgba.blue, rgba.alpha * alpha);
+  cairo_set_source_rgba(cr, Component(rgba.red), Component(rgba.green), Component(rgba.blue),
+                        Component(rgba.alpha) * alpha);
 }
 
 void AddColorStops(cairo_pattern_t* pattern, const Gradient& gradient, double alpha) {
@@ -114,9 +138,11 @@ void AddColorStops(cairo_pattern_t* pattern, const Gradient& gradient, double al
   std::stable_sort(stops.begin(), stops.end(),
                    [](const GradientStop& a, const GradientStop& b) { return a.location < b.location; });
   for (const GradientStop& stop : stops) {
+    if (!std::isfinite(stop.location)) continue;
     RGBA rgba = stop.color.toCalibratedRGB();
-    cairo_pattern_add_color_stop_rgba(pattern, std::clamp(stop.location, 0.0, 1.0), rgba.red,
-                                      rgba.green, rgba.blue, rgba.alpha * alpha);
+    cairo_pattern_add_color_stop_rgba(pattern, std::clamp(stop.location, 0.0, 1.0),
+                                      Component(rgba.red), Component(rgba.green),
+                                      Component(rgba.blue), Component(rgba.alpha) * alpha);
   }
 }
 

@@ -35,6 +35,16 @@ DeviceRect Intersect(const DeviceRect& a, const DeviceRect& b) {
   return {left, top, std::max(0, right - left), std::max(0, bottom - top)};
 }
 
+// The smallest rectangle holding both (an empty one is ignored).
+DeviceRect Union(const DeviceRect& a, const DeviceRect& b) {
+  if (a.isEmpty()) return b;
+  if (b.isEmpty()) return a;
+  int left = std::min(a.x, b.x), top = std::min(a.y, b.y);
+  int right = std::max(a.x + a.width, b.x + b.width);
+  int bottom = std::max(a.y + a.height, b.y + b.height);
+  return {left, top, right - left, bottom - top};
+}
+
 DeviceRect Expand(const DeviceRect& r, int by) {
   return {r.x - by, r.y - by, r.width + 2 * by, r.height + 2 * by};
 }
@@ -64,6 +74,8 @@ void SetAntialiasFrom(cairo_t* target, cairo_t* model) {
 }
 
 }  // namespace
+
+bool Primitive::paintIsBounded(cairo_operator_t op) const { return !IsUnboundedInCairo(op); }
 
 // --- sources
 
@@ -217,27 +229,34 @@ std::optional<DeviceRect> ImagePrimitive::deviceExtents(cairo_t* cr) const {
                          destination_.maxY());
 }
 
-// --- layers
+// --- groups (layers and cairo drawing)
 
-void LayerPrimitive::paint(cairo_t* cr, double alpha) const {
-  cairo_set_source(cr, layer_.get());
+void GroupPrimitive::paint(cairo_t* cr, double alpha) const {
+  cairo_set_source(cr, group_.get());
   PaintWithAlpha(cr, alpha);
 }
 
-void LayerPrimitive::paintCoverage(cairo_t* cr) const {
+void GroupPrimitive::paintCoverage(cairo_t* cr) const {
   cairo_set_source_rgba(cr, 0, 0, 0, 1);
-  cairo_mask(cr, layer_.get());
+  cairo_mask(cr, group_.get());
 }
 
-std::optional<DeviceRect> LayerPrimitive::deviceExtents(cairo_t*) const {
+bool GroupPrimitive::paintIsBounded(cairo_operator_t op) const {
+  // Painting the group covers the whole clip; only operators that keep the
+  // destination where the source is transparent stay within what was drawn.
+  return Primitive::paintIsBounded(op) && op != CAIRO_OPERATOR_SOURCE &&
+         op != CAIRO_OPERATOR_CLEAR;
+}
+
+std::optional<DeviceRect> GroupPrimitive::deviceExtents(cairo_t*) const {
   cairo_surface_t* surface = nullptr;
-  if (cairo_pattern_get_surface(layer_.get(), &surface) != CAIRO_STATUS_SUCCESS ||
+  if (cairo_pattern_get_surface(group_.get(), &surface) != CAIRO_STATUS_SUCCESS ||
       cairo_surface_get_type(surface) != CAIRO_SURFACE_TYPE_IMAGE) {
     return std::nullopt;
   }
   double offsetX = 0, offsetY = 0;
   cairo_surface_get_device_offset(surface, &offsetX, &offsetY);
-  // Device coordinates plus the offset give the layer's pixels.
+  // Device coordinates plus the offset give the group's pixels.
   return DeviceRect{static_cast<int>(-offsetX), static_cast<int>(-offsetY),
                     cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface)};
 }
@@ -312,7 +331,7 @@ void CompositePrimitive(cairo_t* cr, const Primitive& primitive, cairo_operator_
   if (alpha <= 0 && op != CAIRO_OPERATOR_SOURCE && op != CAIRO_OPERATOR_CLEAR) return;
   cairo_save(cr);
   cairo_set_operator(cr, op);
-  if (primitive.isLayer() || !IsUnboundedInCairo(op)) {
+  if (primitive.isLayer() || primitive.paintIsBounded(op)) {
     primitive.paint(cr, alpha);
   } else if (primitive.clipToShape(cr)) {
     // The clip's coverage mixes the result with the destination: bounded.
@@ -339,16 +358,17 @@ std::optional<ShadowMask> RenderShadowMask(cairo_t* cr, const Primitive& primiti
   // Device space runs y down; the offset runs y up.
   double shiftX = offset.width, shiftY = -offset.height;
   int reach = GaussianBlurReach(sigma) + 1;
-  // Mask pixels that can reach a visible pixel once blurred and shifted...
-  DeviceRect needed = Expand({visible.x - static_cast<int>(std::ceil(shiftX)),
-                              visible.y - static_cast<int>(std::ceil(shiftY)),
-                              visible.width + 2, visible.height + 2},
-                             reach);
-  // ...and that the primitive covers at all.
-  if (auto extents = primitive.deviceExtents(cr)) needed = Intersect(needed, *extents);
-  if (needed.isEmpty()) return std::nullopt;
-  DeviceRect region = Expand(needed, reach);  // room for the blur to spread
-
+  // Mask pixels that show once shifted (a pixel more for a fractional shift)...
+  DeviceRect shown{visible.x - static_cast<int>(std::ceil(shiftX)),
+                   visible.y - static_cast<int>(std::ceil(shiftY)), visible.width + 2,
+                   visible.height + 2};
+  // ...and that the blurred primitive can reach at all.
+  std::optional<DeviceRect> content = primitive.deviceExtents(cr);
+  DeviceRect output = content ? Intersect(shown, Expand(*content, reach)) : shown;
+  if (output.isEmpty()) return std::nullopt;
+  // The mask holds those pixels and every covered pixel within reach of them.
+  DeviceRect region = Expand(output, reach);
+  if (content) region = Union(output, Intersect(region, *content));
   SurfacePtr mask(cairo_image_surface_create(CAIRO_FORMAT_A8, region.width, region.height));
   if (cairo_surface_status(mask.get()) != CAIRO_STATUS_SUCCESS) return std::nullopt;
   {

@@ -58,6 +58,9 @@ class Primitive {
   virtual std::optional<DeviceRect> deviceExtents(cairo_t* cr) const = 0;
   // A layer composite acts on the whole clip, not on a shape.
   virtual bool isLayer() const { return false; }
+  // Whether paint() with this operator leaves everything outside the shape
+  // alone (cairo's own rule, which most primitives share).
+  virtual bool paintIsBounded(cairo_operator_t op) const;
 };
 
 class FillPrimitive : public Primitive {
@@ -107,18 +110,23 @@ class ImagePrimitive : public Primitive {
   double fraction_;
 };
 
-// The contents of a finished transparency layer.
-class LayerPrimitive : public Primitive {
+// Pixels drawn into a cairo group: the contents of a finished transparency
+// layer (unbounded: it covers the whole clip), or what a caller drew with
+// cairo directly (bounded by what it drew).
+class GroupPrimitive : public Primitive {
  public:
-  explicit LayerPrimitive(cairo_conversion::PatternPtr layer) : layer_(std::move(layer)) {}
+  GroupPrimitive(cairo_conversion::PatternPtr group, bool isLayer)
+      : group_(std::move(group)), isLayer_(isLayer) {}
   void paint(cairo_t* cr, double alpha) const override;
   void paintSource(cairo_t* cr, double alpha) const override { paint(cr, alpha); }
   void paintCoverage(cairo_t* cr) const override;
+  bool paintIsBounded(cairo_operator_t op) const override;
   std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
-  bool isLayer() const override { return true; }
+  bool isLayer() const override { return isLayer_; }
 
  private:
-  cairo_conversion::PatternPtr layer_;
+  cairo_conversion::PatternPtr group_;
+  bool isLayer_;
 };
 
 // A blurred, shifted shadow mask in device pixels.

@@ -1,8 +1,8 @@
 // Gaussian blur of premultiplied bitmaps and of single 8-bit channels
 // (shadow masks). Separable: rows, then columns, each in parallel. Small
-// deviations use the exact (truncated, renormalised) kernel; larger ones three
-// box-filter passes whose combined variance matches the Gaussian's, which
-// costs the same at any size.
+// deviations use the exact kernel (truncated, renormalised); larger ones five
+// extended box-filter passes whose combined variance is exactly the
+// Gaussian's, which costs the same at any size.
 #pragma once
 
 #include <cstddef>

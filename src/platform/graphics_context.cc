@@ -7,7 +7,6 @@
 
 #include "platform/cairo_conversion.h"
 #include "platform/drawing_primitives.h"
-#include "platform/gaussian_blur.h"
 #include "platform/log.h"
 
 namespace paintdoc {
@@ -20,6 +19,16 @@ using namespace drawing;
 namespace {
 
 thread_local std::vector<std::unique_ptr<GraphicsContext>> t_focusStack;
+
+// Values from documents are not to be trusted: a NaN or infinity reaching
+// cairo would put the context into an error state that ends all drawing.
+bool IsFinite(const Rect& r) {
+  return std::isfinite(r.origin.x) && std::isfinite(r.origin.y) &&
+         std::isfinite(r.size.width) && std::isfinite(r.size.height);
+}
+
+// Beyond this the blur is a uniform wash anyway, and its masks would grow huge.
+constexpr double kMaxShadowSigma = 256;
 
 }  // namespace
 
@@ -54,13 +63,13 @@ GraphicsContext::GraphicsContext(std::shared_ptr<Bitmap> bitmap) : bitmap_(std::
   }
   cr_ = cairo_create(surface_);
   // User space: origin at the lower left, y up, one unit a point.
+  cairo_matrix_init_identity(&base_);
   if (bitmap_ && !bitmap_->isEmpty()) {
     double pixelsPerPointX = bitmap_->pixelsWide() / bitmap_->size().width;
     double pixelsPerPointY = bitmap_->pixelsHigh() / bitmap_->size().height;
-    cairo_matrix_t base;
-    cairo_matrix_init(&base, pixelsPerPointX, 0, 0, -pixelsPerPointY, 0, bitmap_->pixelsHigh());
-    cairo_set_matrix(cr_, &base);
+    cairo_matrix_init(&base_, pixelsPerPointX, 0, 0, -pixelsPerPointY, 0, bitmap_->pixelsHigh());
   }
+  cairo_set_matrix(cr_, &base_);
   cairo_set_tolerance(cr_, 0.1);
   states_.emplace_back();
 }
@@ -104,30 +113,23 @@ void GraphicsContext::concat(const AffineTransform& transform) {
   cairo_matrix_t matrix = ToCairoMatrix(transform);
   // cairo refuses singular matrices (and would stop drawing for good); a
   // transform that collapses space draws nothing anyway.
-  if (cairo_matrix_invert(&matrix) != CAIRO_STATUS_SUCCESS) {
+  cairo_matrix_t inverse = matrix;
+  if (cairo_matrix_invert(&inverse) != CAIRO_STATUS_SUCCESS) {
     Log("Error: concat with a singular transform ignored");
     return;
   }
-  matrix = ToCairoMatrix(transform);
   cairo_transform(cr_, &matrix);
 }
 
 void GraphicsContext::translate(double dx, double dy) { cairo_translate(cr_, dx, dy); }
 
 AffineTransform GraphicsContext::currentTransform() const {
-  cairo_matrix_t ctm;
-  cairo_get_matrix(cr_, &ctm);
-  cairo_matrix_t base;
-  if (bitmap_ && !bitmap_->isEmpty()) {
-    cairo_matrix_init(&base, bitmap_->pixelsWide() / bitmap_->size().width, 0, 0,
-                      -bitmap_->pixelsHigh() / bitmap_->size().height, 0, bitmap_->pixelsHigh());
-  } else {
-    cairo_matrix_init_identity(&base);
-  }
-  cairo_matrix_invert(&base);
-  cairo_matrix_t user;
-  cairo_matrix_multiply(&user, &ctm, &base);  // first the CTM, then back from device
-  return FromCairoMatrix(user);
+  cairo_matrix_t userToDevice, deviceToBase = base_;
+  cairo_get_matrix(cr_, &userToDevice);
+  cairo_matrix_invert(&deviceToBase);
+  cairo_matrix_t userToBase;
+  cairo_matrix_multiply(&userToBase, &userToDevice, &deviceToBase);  // first, then second
+  return FromCairoMatrix(userToBase);
 }
 
 void GraphicsContext::clip(const BezierPath& path) { clip(path, path.windingRule()); }
@@ -187,7 +189,7 @@ void GraphicsContext::stroke(const BezierPath& path) {
 }
 
 void GraphicsContext::fillRect(const Rect& rect) {
-  if (RectIsEmpty(rect)) return;
+  if (RectIsEmpty(rect) || !IsFinite(rect)) return;
   draw(FillPrimitive(BezierPath::withRect(rect), ColorSource(state().fillColor)));
 }
 
@@ -215,6 +217,7 @@ void LinearGradientEnds(const Rect& bounds, double angle, Point& start, Point& e
 
 void GraphicsContext::drawGradient(const Gradient& gradient, const BezierPath& path, double angle) {
   if (path.isEmpty() || gradient.numberOfColorStops() == 0) return;
+  if (!IsFinite(path.bounds()) || !std::isfinite(angle)) return;
   Point start, end;
   LinearGradientEnds(path.bounds(), angle, start, end);
   PatternPtr pattern(cairo_pattern_create_linear(start.x, start.y, end.x, end.y));
@@ -230,6 +233,9 @@ void GraphicsContext::drawGradient(const Gradient& gradient, const BezierPath& p
                                    Point relativeCenter) {
   if (path.isEmpty() || gradient.numberOfColorStops() == 0) return;
   Rect bounds = path.bounds();
+  if (!IsFinite(bounds) || !std::isfinite(relativeCenter.x) || !std::isfinite(relativeCenter.y)) {
+    return;
+  }
   Point center = bounds.center();
   // The end circle is centred at the relative position (corners at ±1) and
   // just covers the rectangle: its radius reaches the farthest corner.
@@ -254,7 +260,10 @@ void GraphicsContext::drawGradient(const Gradient& gradient, const Rect& rect,
 void GraphicsContext::drawBitmap(const Bitmap& bitmap, const Rect& destination,
                                  const Rect& source, CompositingOperation operation,
                                  double fraction) {
-  if (bitmap.isEmpty() || RectIsEmpty(destination)) return;
+  if (bitmap.isEmpty() || RectIsEmpty(destination) || !IsFinite(destination) ||
+      !IsFinite(source)) {
+    return;
+  }
   Rect from = RectIsEmpty(source) ? MakeRect(0, 0, bitmap.size().width, bitmap.size().height)
                                   : source;
   // Drawing a bitmap into itself reads pixels as they are being replaced.
@@ -309,7 +318,18 @@ void GraphicsContext::endTransparencyLayer() {
   }
   states_.pop_back();
   PatternPtr layer(cairo_pop_group(cr_));
-  draw(LayerPrimitive(std::move(layer)));
+  draw(GroupPrimitive(std::move(layer), /*isLayer=*/true));
+}
+
+void GraphicsContext::drawWithCairo(const std::function<void(cairo_t*)>& paint) {
+  cairo_push_group(cr_);
+  cairo_save(cr_);
+  cairo_set_operator(cr_, CAIRO_OPERATOR_OVER);
+  cairo_set_antialias(cr_, state().antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+  paint(cr_);
+  cairo_restore(cr_);
+  PatternPtr drawn(cairo_pop_group(cr_));
+  draw(GroupPrimitive(std::move(drawn), /*isLayer=*/false));
 }
 
 // --- one primitive: its shadow, then itself
@@ -325,9 +345,11 @@ void GraphicsContext::drawShadow(const Primitive& primitive) {
   Color color = shadow.shadowColor();
   Size offset = shadow.shadowOffset();
   double blur = shadow.shadowBlurRadius();
-  if (color.alphaComponent() <= 0 || state().alpha <= 0) return;
+  if (!(color.alphaComponent() > 0) || state().alpha <= 0) return;
+  if (!std::isfinite(offset.width) || !std::isfinite(offset.height) || !std::isfinite(blur)) return;
   if (offset.width == 0 && offset.height == 0 && blur <= 0) return;
-  std::optional<ShadowMask> mask = RenderShadowMask(cr_, primitive, ShadowBlurSigma(blur), offset);
+  double sigma = std::min(ShadowBlurSigma(blur), kMaxShadowSigma);
+  std::optional<ShadowMask> mask = RenderShadowMask(cr_, primitive, sigma, offset);
   if (!mask) return;
   CompositePrimitive(cr_, MaskPrimitive(*mask, color, primitive.isLayer()),
                      ToCairoOperator(state().operation), state().alpha);

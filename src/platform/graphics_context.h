@@ -33,6 +33,7 @@
 
 #include <cairo.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -166,9 +167,11 @@ class GraphicsContext {
   // Composites the layer begun last onto what lies below, as one object.
   void endTransparencyLayer();
 
-  // --- for the drawing implementation
-
-  cairo_t* cairoContext() const { return cr_; }
+  // Draws whatever `paint` draws on the cairo context it is given (in user
+  // space, with its own sources, e.g. a text layout) as one primitive: with
+  // the current operation, alpha, shadow and clip. cairo state that `paint`
+  // changes does not outlive the call.
+  void drawWithCairo(const std::function<void(cairo_t*)>& paint);
 
  private:
   struct State {
@@ -190,6 +193,7 @@ class GraphicsContext {
   std::shared_ptr<Bitmap> bitmap_;
   cairo_surface_t* surface_ = nullptr;
   cairo_t* cr_ = nullptr;
+  cairo_matrix_t base_;        // default user space → device pixels
   std::vector<State> states_;  // back() is the current state
 };
 

@@ -32,6 +32,8 @@ struct ImageReadOptions {
   // Images with more pixels than this (width × height, for GIF the logical
   // screen) are refused before their pixels are decoded.
   uint64_t maxPixels = kDefaultMaxImagePixels;
+  // Turn JPEG photos upright by their Exif orientation, as viewers show them.
+  bool applyExifOrientation = true;
 };
 
 // The outcome of reading an image: a bitmap, or an error saying what is wrong.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "platform/image_codecs.h"
@@ -23,5 +24,14 @@ DecodedImage Success(ImageFormat format, std::shared_ptr<Bitmap> bitmap);
 void ApplyResolution(Bitmap& bitmap, double xDotsPerInch, double yDotsPerInch);
 
 inline constexpr double kCentimetresPerInch = 2.54;
+
+// The orientation (1 to 8) recorded in an Exif block ("Exif\0\0" and a TIFF
+// structure, as in a JPEG APP1 segment); 1 when absent or unreadable.
+int ExifOrientation(std::span<const uint8_t> exif);
+
+// The bitmap turned upright for an Exif orientation (2–8 mirror and/or
+// rotate, swapping width and height for 5–8); the bitmap itself for 1.
+// Null when out of memory.
+std::shared_ptr<Bitmap> ApplyExifOrientation(std::shared_ptr<Bitmap> bitmap, int orientation);
 
 }  // namespace paintdoc::image_decoding

@@ -32,6 +32,7 @@ struct JpegReadState {
   const ImageReadOptions* options = nullptr;
   std::shared_ptr<Bitmap> bitmap;
   std::vector<uint8_t> scanline;
+  int orientation = 1;  // Exif
 };
 
 void OnJpegError(j_common_ptr cinfo) {
@@ -90,7 +91,14 @@ bool DecodeJpeg(JpegReadState* state, std::span<const uint8_t> bytes) {
   jpeg_decompress_struct* cinfo = &state->cinfo;
   if (setjmp(state->errors.jump)) return false;
   jpeg_mem_src(cinfo, bytes.data(), static_cast<unsigned long>(bytes.size()));
+  jpeg_save_markers(cinfo, JPEG_APP0 + 1, 0xffff);  // Exif
   jpeg_read_header(cinfo, TRUE);
+  for (jpeg_saved_marker_ptr marker = cinfo->marker_list; marker; marker = marker->next) {
+    if (marker->marker == JPEG_APP0 + 1) {
+      int orientation = image_decoding::ExifOrientation({marker->data, marker->data_length});
+      if (orientation != 1) state->orientation = orientation;
+    }
+  }
   state->sizeError = image_decoding::CheckImageSize(cinfo->image_width, cinfo->image_height,
                                                     *state->options);
   if (!state->sizeError.empty()) return false;
@@ -150,7 +158,12 @@ DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& op
     bitmap.writeRGBARow(row, bitmap.rowAt(row), AlphaMode::Straight);
   }
   if (sawJfif) image_decoding::ApplyResolution(bitmap, xDpi, yDpi);
-  return image_decoding::Success(ImageFormat::JPEG, std::move(state.bitmap));
+  std::shared_ptr<Bitmap> result = std::move(state.bitmap);
+  if (options.applyExifOrientation) {
+    result = image_decoding::ApplyExifOrientation(std::move(result), state.orientation);
+    if (!result) return Failure(ImageFormat::JPEG, "out of memory");
+  }
+  return image_decoding::Success(ImageFormat::JPEG, std::move(result));
 }
 
 }  // namespace paintdoc

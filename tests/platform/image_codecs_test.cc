@@ -8,6 +8,7 @@
 #include <webp/encode.h>
 
 #include <cstring>
+#include <functional>
 #include <random>
 
 #include "platform/file_bytes.h"
@@ -169,7 +170,10 @@ TEST(ImageCodecs, TiffWithUnassociatedAlphaAndLzwIsPremultipliedOnRead) {
 
 // --- files written by the format's own library
 
-TEST(ImageCodecs, JpegDecodesColourAndDensity) {
+// A JPEG from libjpeg itself: `color(x, row)` gives R, G, B; optionally an
+// Exif block with an orientation and a JFIF density in dots an inch.
+std::vector<uint8_t> EncodeJpeg(int width, int height, const std::function<Rgba8(int, int)>& color,
+                                int exifOrientation = 0, int dotsPerInch = 0) {
   jpeg_compress_struct cinfo{};
   jpeg_error_mgr errors{};
   cinfo.err = jpeg_std_error(&errors);
@@ -177,23 +181,32 @@ TEST(ImageCodecs, JpegDecodesColourAndDensity) {
   unsigned char* buffer = nullptr;
   unsigned long size = 0;
   jpeg_mem_dest(&cinfo, &buffer, &size);
-  cinfo.image_width = 16;
-  cinfo.image_height = 8;
+  cinfo.image_width = static_cast<JDIMENSION>(width);
+  cinfo.image_height = static_cast<JDIMENSION>(height);
   cinfo.input_components = 3;
   cinfo.in_color_space = JCS_RGB;
   jpeg_set_defaults(&cinfo);
   jpeg_set_quality(&cinfo, 95, TRUE);
-  cinfo.density_unit = 1;
-  cinfo.X_density = 144;
-  cinfo.Y_density = 144;
-  jpeg_start_compress(&cinfo, TRUE);
-  std::vector<uint8_t> line(16 * 3);
-  for (int x = 0; x < 16; ++x) {
-    line[x * 3] = 200;
-    line[x * 3 + 1] = 60;
-    line[x * 3 + 2] = 20;
+  if (dotsPerInch > 0) {
+    cinfo.density_unit = 1;
+    cinfo.X_density = cinfo.Y_density = static_cast<UINT16>(dotsPerInch);
   }
-  while (cinfo.next_scanline < 8) {
+  jpeg_start_compress(&cinfo, TRUE);
+  if (exifOrientation > 0) {
+    // "Exif\0\0", little-endian TIFF header, one IFD entry: Orientation (SHORT).
+    const uint8_t exif[] = {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0,
+                            1, 0, 0x12, 0x01, 3, 0, 1, 0, 0, 0,
+                            static_cast<uint8_t>(exifOrientation), 0, 0, 0, 0, 0, 0, 0};
+    jpeg_write_marker(&cinfo, JPEG_APP0 + 1, exif, sizeof exif);
+  }
+  std::vector<uint8_t> line(static_cast<size_t>(width) * 3);
+  while (cinfo.next_scanline < cinfo.image_height) {
+    for (int x = 0; x < width; ++x) {
+      Rgba8 c = color(x, static_cast<int>(cinfo.next_scanline));
+      line[x * 3] = c.red;
+      line[x * 3 + 1] = c.green;
+      line[x * 3 + 2] = c.blue;
+    }
     JSAMPROW rows[] = {line.data()};
     jpeg_write_scanlines(&cinfo, rows, 1);
   }
@@ -201,15 +214,23 @@ TEST(ImageCodecs, JpegDecodesColourAndDensity) {
   std::vector<uint8_t> jpeg(buffer, buffer + size);
   jpeg_destroy_compress(&cinfo);
   free(buffer);
+  return jpeg;
+}
 
+void ExpectNear(Rgba8 actual, Rgba8 expected, int tolerance) {
+  EXPECT_NEAR(actual.red, expected.red, tolerance);
+  EXPECT_NEAR(actual.green, expected.green, tolerance);
+  EXPECT_NEAR(actual.blue, expected.blue, tolerance);
+  EXPECT_EQ(actual.alpha, expected.alpha);
+}
+
+TEST(ImageCodecs, JpegDecodesColourAndDensity) {
+  std::vector<uint8_t> jpeg =
+      EncodeJpeg(16, 8, [](int, int) { return Rgba8{200, 60, 20, 255}; }, 0, 144);
   DecodedImage decoded = ReadImage(jpeg);
   ASSERT_TRUE(decoded) << decoded.error;
   EXPECT_EQ(decoded.format, ImageFormat::JPEG);
-  Rgba8 pixel = decoded.bitmap->pixelAt(5, 3);
-  EXPECT_NEAR(pixel.red, 200, 4);
-  EXPECT_NEAR(pixel.green, 60, 4);
-  EXPECT_NEAR(pixel.blue, 20, 4);
-  EXPECT_EQ(pixel.alpha, 255);
+  ExpectNear(decoded.bitmap->pixelAt(5, 3), {200, 60, 20, 255}, 4);
   EXPECT_EQ(decoded.bitmap->size(), MakeSize(8, 4));
 
   // Cut inside the header: a clear error. Cut in the scan data: a partial image.
@@ -217,6 +238,28 @@ TEST(ImageCodecs, JpegDecodesColourAndDensity) {
   EXPECT_FALSE(headerCut);
   EXPECT_NE(headerCut.error.find("JPEG image: malformed data"), std::string::npos)
       << headerCut.error;
+}
+
+TEST(ImageCodecs, JpegIsTurnedUprightByItsExifOrientation) {
+  // Stored 32 × 16: left half red, right half blue.
+  auto halves = [](int x, int) { return x < 16 ? Rgba8{255, 0, 0, 255} : Rgba8{0, 0, 255, 255}; };
+  const Rgba8 red{255, 0, 0, 255}, blue{0, 0, 255, 255};
+  struct Case {
+    int orientation, width, height;
+    Rgba8 topLeft, bottomRight;
+  };
+  for (const Case& c : {Case{1, 32, 16, red, blue}, Case{3, 32, 16, blue, red},
+                        Case{6, 16, 32, red, blue}, Case{8, 16, 32, blue, red}}) {
+    DecodedImage decoded = ReadImage(EncodeJpeg(32, 16, halves, c.orientation));
+    ASSERT_TRUE(decoded) << decoded.error;
+    EXPECT_EQ(decoded.bitmap->pixelsWide(), c.width) << c.orientation;
+    EXPECT_EQ(decoded.bitmap->pixelsHigh(), c.height) << c.orientation;
+    ExpectNear(decoded.bitmap->pixelAt(2, 2), c.topLeft, 8);
+    ExpectNear(decoded.bitmap->pixelAt(c.width - 3, c.height - 3), c.bottomRight, 8);
+  }
+  DecodedImage raw = ReadImage(EncodeJpeg(32, 16, halves, 6), {.applyExifOrientation = false});
+  ASSERT_TRUE(raw);
+  EXPECT_EQ(raw.bitmap->pixelsWide(), 32);
 }
 
 int WriteGifBytes(GifFileType* gif, const GifByteType* data, int length) {
@@ -397,7 +440,8 @@ TEST(ImageCodecs, CorruptedFilesNeverCrash) {
   std::vector<std::vector<uint8_t>> seeds = {
       *WritePNG(*TestCard()), *WriteTIFF(*TestCard()), MakeGif(true),
       MakeBmp(3, 2, 24, 0, {}, std::vector<uint8_t>(24, 7)),
-      MakeBmp(4, 2, 8, 1, {0xff, 0xff00}, {3, 1, 0, 3, 1, 0, 1, 0, 0, 1})};
+      MakeBmp(4, 2, 8, 1, {0xff, 0xff00}, {3, 1, 0, 3, 1, 0, 1, 0, 0, 1}),
+      EncodeJpeg(8, 8, [](int x, int y) { return Rgba8{uint8_t(x * 30), uint8_t(y * 30), 0, 255}; }, 6)};
   std::mt19937 random(1234);
   for (const auto& seed : seeds) {
     for (int round = 0; round < 300; ++round) {
