@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <functional>
+#include <limits>
+#include <vector>
 #include <numbers>
 
 #include "document/paint_manager.h"
@@ -236,6 +238,58 @@ TEST(Draw, WithoutFocusLogsAnErrorAndKeepsTheShadowFlag) {
   rectangle->draw();
   EXPECT_TRUE(log.contains("Error: "));
   EXPECT_TRUE(rectangle->enableShadow());
+}
+
+// Values a damaged document can carry: not numbers, infinities and absurd
+// sizes. Painting them must neither crash nor hang, and the canvas still
+// yields its picture.
+TEST(Draw, DamagedValuesPaintWithoutHarm) {
+  const double nan = std::nan("");
+  const double inf = std::numeric_limits<double>::infinity();
+  const Gradient gradient = Gradient::withStartingColor(Color::redColor(), Color::blueColor());
+  const std::vector<std::function<void(DrawRectangle&)>> damages = {
+      [](DrawRectangle& d) { d.setBezierPathLineWidth(std::nanf("")); },
+      [](DrawRectangle& d) { d.setBezierPathLineWidth(1e30f); },
+      [&](DrawRectangle& d) {
+        d.setEnableShadow(true);
+        d.setShadow(Shadow(Color::blackColor(), {1e4, -1e4}, 1e9));
+      },
+      [&](DrawRectangle& d) {
+        d.setEnableShadow(true);
+        d.setShadow(Shadow(Color::blackColor(), {nan, 3}, nan));
+      },
+      [&](DrawRectangle& d) {
+        d.setEnableInnerShadow(true);
+        d.setInnerShadow(Shadow(Color::blackColor(), {1e4, nan}, 1e12));
+      },
+      [](DrawRectangle& d) {
+        d.setEnableReflection(true);
+        d.setReflection(1e30f);
+        d.setReflectionDis(1e30f);
+      },
+      [](DrawRectangle& d) {
+        d.setEnableReflection(true);
+        d.setReflection(std::nanf(""));
+        d.setReflectionDis(std::nanf(""));
+      },
+      [&](DrawRectangle& d) { d.setBezierPathWithBounds(MakeRect(1e300, -1e300, 1e300, inf)); },
+      [&](DrawRectangle& d) { d.setBezierPathWithBounds(MakeRect(nan, nan, 10, 10)); },
+      [&](DrawRectangle& d) {
+        d.setFillWithGradient(true);
+        d.setFillGradient(gradient);
+        d.setFillRadialGradient(true);
+        d.setFillGradientCenter({nan, 1e300});
+        d.setEnableShadow(true);
+        d.setShadow(Shadow(Color::blackColor(), {1e4, -1e4}, 1e9));
+      },
+  };
+  LogCapture quiet;
+  for (size_t i = 0; i < damages.size(); ++i) {
+    auto rectangle = Rectangle(MakeRect(10, 10, 100, 80), Color::redColor(), Color::blackColor());
+    damages[i](*rectangle);
+    EXPECT_TRUE(Compose(300, 200, {rectangle})) << "damage " << i;
+    rectangle->renderedImage();  // may be refused as too large, never crash
+  }
 }
 
 // --- painted pixels
