@@ -102,33 +102,30 @@ void BM_ComposeFullHd200ShapesWithShadows(benchmark::State& state) {
 }
 BENCHMARK(BM_ComposeFullHd200ShapesWithShadows)->Unit(benchmark::kMillisecond);
 
+// The picture after nudging one draw back and forth and telling the canvas.
+void TimeImageAfterMoving(benchmark::State& state, const std::shared_ptr<PaintManager>& canvas,
+                          const std::shared_ptr<DrawBase>& draw) {
+  canvas->image();
+  float offset = 1;
+  for (auto _ : state) {
+    draw->moveBy(offset, 0);
+    offset = -offset;
+    canvas->respondToChangeOfDraws({draw});
+    benchmark::DoNotOptimize(canvas->image());
+  }
+}
+
 // Editing the top draw: the buffer stays, one draw is painted over a copy.
 void BM_ImageAfterChangingTheTopDraw(benchmark::State& state) {
   auto canvas = MakeCanvas();
-  canvas->image();
-  const std::shared_ptr<DrawBase> top = canvas->toppestDraw();
-  float offset = 1;
-  for (auto _ : state) {
-    top->moveBy(offset, 0);
-    offset = -offset;
-    canvas->respondToChangeOfDraws({top});
-    benchmark::DoNotOptimize(canvas->image());
-  }
+  TimeImageAfterMoving(state, canvas, canvas->toppestDraw());
 }
 BENCHMARK(BM_ImageAfterChangingTheTopDraw)->Unit(benchmark::kMillisecond);
 
 // Editing a lower draw: the buffer is dropped and rebuilt on the next image.
 void BM_ImageAfterDroppingTheBuffer(benchmark::State& state) {
   auto canvas = MakeCanvas();
-  canvas->image();
-  const std::shared_ptr<DrawBase> bottom = canvas->allDraws().front();
-  float offset = 1;
-  for (auto _ : state) {
-    bottom->moveBy(offset, 0);
-    offset = -offset;
-    canvas->respondToChangeOfDraws({bottom});
-    benchmark::DoNotOptimize(canvas->image());
-  }
+  TimeImageAfterMoving(state, canvas, canvas->allDraws().front());
 }
 BENCHMARK(BM_ImageAfterDroppingTheBuffer)->Unit(benchmark::kMillisecond);
 
