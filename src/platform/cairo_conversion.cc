@@ -31,7 +31,10 @@ bool HasOnlyFinitePoints(const BezierPath& path) {
 
 void AppendPath(cairo_t* cr, const BezierPath& path) {
   cairo_new_path(cr);
-  // A path with a NaN or infinite point (from a damaged file) draws nothing.
+  AppendPathElements(cr, path);
+}
+
+void AppendPathElements(cairo_t* cr, const BezierPath& path) {
   if (!HasOnlyFinitePoints(path)) return;
   for (const PathElement& element : path.elements()) {
     const auto& p = element.points;

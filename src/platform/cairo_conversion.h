@@ -30,6 +30,9 @@ AffineTransform FromCairoMatrix(const cairo_matrix_t& matrix);
 
 // Replaces cr's current path by the path's elements (not its attributes).
 void AppendPath(cairo_t* cr, const BezierPath& path);
+// Adds the path's elements to cr's current path, in order. A path with a NaN
+// or infinite point (from a damaged file) adds nothing.
+void AppendPathElements(cairo_t* cr, const BezierPath& path);
 cairo_fill_rule_t ToCairoFillRule(WindingRule rule);
 // Line width, cap, join, miter limit and dash of the path. A width of 0 is
 // the thinnest visible line: one device pixel. Invalid dash patterns (a
