@@ -90,8 +90,104 @@ ExampleDocument Layers() {
   return {"layers", canvas};
 }
 
+// ---- Rendering effects: fills, gradients, shadows, strokes, reflections ----
+
+std::shared_ptr<DrawBase> WithShadow(std::shared_ptr<DrawBase> draw, const Shadow& shadow) {
+  draw->setEnableShadow(true);
+  draw->setShadow(shadow);
+  return draw;
+}
+
+std::shared_ptr<DrawBase> WithReflection(std::shared_ptr<DrawBase> draw, float strength,
+                                         float distance) {
+  draw->setEnableReflection(true);
+  draw->setReflection(strength);
+  draw->setReflectionDis(distance);
+  return draw;
+}
+
+template <class T>
+std::shared_ptr<T> Box(const Rect& bounds) {
+  auto draw = MakeDraw<T>();
+  draw->setBezierPathWithBounds(bounds);
+  return draw;
+}
+
+// Every bounded shape with the painting effects it can have.
+ExampleDocument Effects() {
+  auto canvas = PaintManager::withSize({720, 540});
+  auto add = [&](const std::shared_ptr<DrawBase>& draw) { canvas->addDraw(draw); };
+
+  auto backdrop = Box<DrawGradient>(MakeRect(0, 0, 720, 540));
+  backdrop->setFillGradientDegree(90);
+  backdrop->setFillGradient(Gradient::withStartingColor(Color::calibratedRGB(0.78, 0.84, 0.92),
+                                                        Color::calibratedRGB(0.98, 0.98, 1.0)));
+  add(backdrop);
+
+  // A filled and stroked rectangle casting one shadow.
+  auto card = Box<DrawRectangle>(MakeRect(40, 330, 200, 150));
+  Filled(card, Color::calibratedRGB(1.0, 0.85, 0.3), Color::calibratedRGB(0.45, 0.25, 0.05));
+  card->setBezierPathLineWidth(6);
+  add(WithShadow(card, DrawBase::defaultShadow()));
+
+  // An ellipse with a radial gradient off its centre, an inner shadow and a
+  // half-strength reflection.
+  auto bubble = Box<DrawEllipse>(MakeRect(290, 330, 180, 150));
+  bubble->setEnableFill(true);
+  bubble->setFillWithGradient(true);
+  bubble->setFillRadialGradient(true);
+  bubble->setFillGradientCenter({-0.4, 0.5});
+  bubble->setFillGradient(Gradient::withStartingColor(Color::calibratedRGB(0.85, 0.95, 1.0),
+                                                      Color::calibratedRGB(0.1, 0.35, 0.75)));
+  bubble->setEnableStroke(false);
+  bubble->setEnableInnerShadow(true);
+  bubble->setInnerShadow(DrawBase::defaultInnerShadow());
+  add(WithReflection(bubble, 0.5f, 4));
+
+  // A round rectangle with a linear gradient, turned by 30 degrees.
+  auto tile = Box<DrawRoundRectangle>(MakeRect(520, 340, 160, 110));
+  tile->setXRadius(18, 18);
+  tile->setEnableFill(true);
+  tile->setFillWithGradient(true);
+  tile->setFillGradientDegree(90);
+  tile->setFillGradient(Gradient::withColors(
+      {Color::calibratedRGB(0.95, 0.3, 0.4), Color::calibratedRGB(0.6, 0.2, 0.7),
+       Color::calibratedRGB(0.2, 0.3, 0.8)}));
+  tile->setStrokeColor(Color::whiteColor());
+  tile->setBezierPathLineWidth(3);
+  tile->setRotateDegree(30);
+  add(WithShadow(tile, Shadow(Color::calibratedWhite(0, 0.5), {6, -6}, 10)));
+
+  // A gradient box with a full-strength reflection standing on the floor.
+  auto panel = Box<DrawGradient>(MakeRect(60, 120, 170, 110));
+  panel->setFillGradientDegree(0);
+  panel->setFillGradient(Gradient::withStartingColor(Color::calibratedRGB(0.1, 0.6, 0.4),
+                                                     Color::calibratedRGB(0.9, 0.95, 0.3)));
+  add(WithReflection(panel, 1.0f, 2));
+
+  // Strokes of odd and even widths, one of them dashed.
+  auto ring = Box<DrawEllipse>(MakeRect(290, 110, 150, 150));
+  ring->setStrokeColor(Color::calibratedRGB(0.8, 0.1, 0.2));
+  ring->setBezierPathLineWidth(3);
+  ring->setLineDashStyle("12:6");
+  add(ring);
+  auto frame = Box<DrawRectangle>(MakeRect(480, 110, 200, 150));
+  frame->setStrokeColor(Color::calibratedRGB(0.15, 0.15, 0.2));
+  frame->setBezierPathLineWidth(4);
+  add(WithShadow(frame, Shadow(Color::calibratedRGB(0.1, 0.3, 0.9, 0.7), {0, 0}, 8)));
+
+  // A translucent round rectangle over the frame, reflected more strongly.
+  auto glass = Box<DrawRoundRectangle>(MakeRect(520, 150, 120, 70));
+  Filled(glass, Color::calibratedRGB(1, 1, 1, 0.45), Color::calibratedRGB(1, 1, 1, 0.9));
+  glass->setBezierPathLineWidth(1);
+  add(WithReflection(glass, 1.5f, 0));
+  return {"effects", canvas};
+}
+
+// ---- end of rendering effects ----
+
 }  // namespace
 
-std::vector<ExampleDocument> MakeExampleDocuments() { return {Shapes(), Layers()}; }
+std::vector<ExampleDocument> MakeExampleDocuments() { return {Shapes(), Layers(), Effects()}; }
 
 }  // namespace paintdoc

@@ -1,5 +1,6 @@
 #include "archive/property_list.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/utf16.h"
@@ -199,7 +200,8 @@ uint32_t PropertyList::addSet(std::span<const uint32_t> elements) {
 
 uint32_t PropertyList::addDictionary(std::span<const uint32_t> keys,
                                      std::span<const uint32_t> values) {
-  return addContainer(PlistType::Dictionary, keys, values.first(keys.size()));
+  const size_t pairs = std::min(keys.size(), values.size());
+  return addContainer(PlistType::Dictionary, keys.first(pairs), values.first(pairs));
 }
 
 }  // namespace paintdoc

@@ -20,16 +20,6 @@ double TruncateThroughInt32(double value) {
   return static_cast<double>(static_cast<int32_t>(std::clamp(std::trunc(value), kMin, kMax)));
 }
 
-// A canvas side as a bitmap side: truncated, 0 for NaN or negative, and
-// saturated so that oversized canvases are refused by the bitmap itself.
-int BitmapSide(double side) {
-  if (!(side > 0)) return 0;
-  if (side >= static_cast<double>(std::numeric_limits<int>::max())) {
-    return std::numeric_limits<int>::max();
-  }
-  return static_cast<int>(side);
-}
-
 }  // namespace
 
 PaintManager::PaintManager() = default;
@@ -74,27 +64,6 @@ void PaintManager::setBackgroundDraw(std::shared_ptr<DrawImage> draw) {
   aryDraw_.insert(aryDraw_.begin(), draw);
   drawBackground_ = std::move(draw);
   imageBuffer_.reset();
-}
-
-std::shared_ptr<Bitmap> PaintManager::image() {
-  if (!image_ || !imageBuffer_) refreshImage();
-  return image_;
-}
-
-void PaintManager::refreshImage() {
-  if (!imageBuffer_) imageBuffer_ = makeCanvasBitmap();
-  if (!image_) image_ = makeCanvasBitmap();
-  // Layer painting is composition's part; until it paints the draws the
-  // picture is the transparent canvas.
-}
-
-void PaintManager::clearMemeryBuffer() {
-  imageBuffer_.reset();
-  image_.reset();
-}
-
-std::shared_ptr<Bitmap> PaintManager::makeCanvasBitmap() const {
-  return Bitmap::create(BitmapSide(size_.width), BitmapSide(size_.height));
 }
 
 }  // namespace paintdoc

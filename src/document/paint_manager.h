@@ -19,6 +19,7 @@ namespace paintdoc {
 
 class Bitmap;
 class DrawImage;
+class GraphicsContext;
 
 class PaintManager : public Codable {
  public:
@@ -66,16 +67,47 @@ class PaintManager : public Codable {
   // Plain write of the flag; the caller refreshes the picture.
   void setMaskBackground(bool mask) { bMaskWithBackground_ = mask; }
 
-  // The composed canvas bitmap, built on demand at the canvas size. Null only
-  // when a bitmap of that size cannot be made.
+  // ---- Composition (paint_manager_composition.cc) ----
+  //
+  // Two caches make editing the top layer cheap: imageBuffer_ holds every
+  // draw but the top one, image_ is that buffer with the top draw painted
+  // over it. Each layer is painted with its drawInImage().
+
+  // The composed canvas bitmap: image_ as it is when both caches exist, else
+  // after refreshImage(). Null only when a bitmap of the canvas size cannot
+  // be made.
   std::shared_ptr<Bitmap> image();
-  // Rebuilds the missing caches and repaints the picture from the buffer.
+  // Rebuilds the buffer if it is missing, then repaints image_ from it: the
+  // buffer copied, the top draw painted over it, and the picture masked with
+  // the background when maskBackground() is set.
   void refreshImage();
   // Releases both cached bitmaps.
   void clearMemeryBuffer();
+  // The top-level draws, in list order, that are visible, leaving out groups
+  // none of whose members is visible.
+  DrawList visibleDraws() const;
+  // The draws of `collection` in layer order, bottom first, looking one level
+  // into top-level groups; draws not in the canvas are left out.
+  DrawList drawsInLayerOrder(const DrawList& collection) const;
+  // Makes the bitmap the background, fitted into the canvas without being
+  // enlarged and centred; null removes the background. Drops the buffer.
+  void setBackgroundImage(std::shared_ptr<Bitmap> image);
+  // Tells the canvas that these draws changed: repaints at once when only the
+  // top draw or members of the top group changed, else drops the buffer.
+  void respondToChangeOfDraws(const DrawList& changedDraws);
+  // Appends the draw at the top. False for null or a draw already top level.
+  // The former top draw is painted into the buffer, which stays valid.
+  bool addDraw(std::shared_ptr<DrawBase> draw);
 
  private:
   std::shared_ptr<Bitmap> makeCanvasBitmap() const;
+  // Paints a visible draw into the bitmap on which focus is locked.
+  static void paintDraw(const std::shared_ptr<DrawBase>& draw, const std::shared_ptr<Bitmap>& into);
+  void paintBufferDraws();
+  void maskWithBackground(GraphicsContext& context);
+  // The top-level group holding `draw` as a member, or null.
+  std::shared_ptr<DrawGroup> topLevelGroupHolding(const std::shared_ptr<DrawBase>& draw) const;
+  // ---- end of composition ----
 
   Size size_;
   DrawList aryDraw_;
@@ -84,5 +116,10 @@ class PaintManager : public Codable {
   std::shared_ptr<Bitmap> image_;
   std::shared_ptr<Bitmap> imageBuffer_;
 };
+
+// The rectangle of an image of `imageSize` fitted into `outer`: scaled down
+// (keeping its proportions) when it is larger, never enlarged, and centred.
+// The outer rectangle's origin is not added.
+Rect GetCenterRect(Size imageSize, const Rect& outer);
 
 }  // namespace paintdoc

@@ -88,11 +88,6 @@ void DrawBase::setLayerTitle(std::optional<std::string> title) {
   strLayerTitle_ = std::move(title);
 }
 
-void DrawBase::drawInImage(const std::shared_ptr<Bitmap>& /*image*/) {
-  // Vector painting into the current context is the rendering pipeline's;
-  // until a class paints itself, a layer leaves the bitmap unchanged.
-}
-
 bool DrawBase::hasBorder() const {
   if (bResizing_) return true;
   if (!classDrawBezierPath()) return true;

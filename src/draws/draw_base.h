@@ -35,6 +35,7 @@
 namespace paintdoc {
 
 class Bitmap;
+class CanvasView;
 class DrawGroup;
 
 // --- Process-wide drawing constants, set once by DrawBase::initialize().
@@ -117,8 +118,46 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   // Paints the draw into the bitmap on which the caller has locked focus.
   // Composition paints every layer through this one call: fills and groups
   // override it (they work on the bitmap's pixels or on their members);
-  // vector draws paint into the current graphics context.
+  // vector draws paint into the current graphics context with draw().
   virtual void drawInImage(const std::shared_ptr<Bitmap>& image);
+
+  // ---- Rendering pipeline (draw_base_rendering.cc) ----
+
+  // Whether the outline is stroked: the class strokes and stroke is on, and
+  // either the draw replaces pixels or its stroke colour is visible (alpha at
+  // least 0.01).
+  virtual bool drawStroke() const;
+  // Whether the outline is filled: the class fills and fill is on, and either
+  // the draw replaces pixels or it has something visible to fill with (a
+  // gradient, or a fill colour of alpha at least 0.01).
+  virtual bool drawFill() const;
+  // Paints fill (colour or gradient) with its drop shadow, the inner shadow
+  // and the stroke into the current graphics context, rotated by transform().
+  virtual void _draw();
+  // Paints the mirrored, fading reflection below the draw, then the draw
+  // itself with _draw(). Selection tools and empty outlines paint nothing.
+  virtual void draw();
+  // The bounds of the rotated outline, widened by half the line width when
+  // stroked; the zero rectangle for an empty outline.
+  virtual Rect drawRect() const;
+  // drawRect() with the extents of shadow and reflection, made integral: the
+  // area a painting of the draw can touch.
+  virtual Rect renderedRect() const;
+  // The rotated control bounds widened by twice the line width, with shadow
+  // and reflection extents; not made integral.
+  virtual Rect displayRect() const;
+  // The draw painted alone into a new bitmap of renderedRect()'s size, or
+  // null for an empty outline or a rendered area below 1 unit either way.
+  virtual std::shared_ptr<Bitmap> renderedImage();
+  // The selected draw's outline in the highlight colour, in view units.
+  virtual void drawHighlightInCanvasView(const CanvasView& view);
+  // The marching-ants border of a draw without an outline of its own.
+  virtual void drawBorderInCanvasView(const CanvasView& view);
+  // The centre of a radial gradient fill as a rotated canvas point; `scale`
+  // is not used.
+  virtual Point fillGradientCenterPointWithScale(float scale) const;
+
+  // ---- end of the rendering pipeline ----
 
   // ==== Geometry and transforms (implemented in draw_base_geometry.cc) ====
   // The outline stays unrotated in the path; the rotation is kept apart in
@@ -201,11 +240,13 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   bool enableFill() const { return bEnableFill_; }
   void setEnableFill(bool on) { bEnableFill_ = on; }
   bool fillWithGradient() const { return bFillWithGdt_; }
-  void setFillWithGradient(bool on) { bFillWithGdt_ = on; }
+  virtual void setFillWithGradient(bool on) { bFillWithGdt_ = on; }
   const std::optional<Color>& fillColor() const { return colorFill_; }
   virtual void setFillColor(std::optional<Color> color) { colorFill_ = std::move(color); }
   const std::optional<Gradient>& fillGradient() const { return gradientFill_; }
-  void setFillGradient(std::optional<Gradient> gradient) { gradientFill_ = std::move(gradient); }
+  virtual void setFillGradient(std::optional<Gradient> gradient) {
+    gradientFill_ = std::move(gradient);
+  }
   bool fillRadialGradient() const { return bFillRadialGdt_; }
   void setFillRadialGradient(bool radial) { bFillRadialGdt_ = radial; }
   float fillGradientDegree() const { return fFillGdtDegree_; }

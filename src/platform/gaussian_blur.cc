@@ -162,8 +162,10 @@ uint8_t ToSample(float value) {
 // samples side by side: long enough for vectorised inner loops, short enough
 // that a block's buffers stay in cache.
 constexpr int kLanes = 64;
-// Below this many samples threading costs more than it saves.
-constexpr long kParallelThreshold = 1 << 16;
+// Below this many samples (a few milliseconds of work) threading costs more
+// than it saves: waking the workers and waiting for the slowest one, which on
+// a busy machine may not be running at all.
+constexpr long kParallelThreshold = 1 << 19;
 
 // Rows are moved between the bitmap and the line buffer in tiles of this
 // many pixels, so that both the reads and the writes stay within a few

@@ -58,7 +58,7 @@ TEST_F(DrawArchive, DefaultDrawWritesOnlyItsPathAndBothEnableFlags) {
 }
 
 TEST_F(DrawArchive, FillKeysFollowTheFillKind) {
-  auto draw = MakeDraw<DrawGradient>();  // stroke off, fill on
+  auto draw = MakeDraw<DrawClear>();  // stroke off, fill on
   EXPECT_EQ(Keys(*draw), (std::set<std::string>{"BezierPath", "EnableStroke", "EnableFill",
                                                 "IsFillWithGdt", "BackColor"}));
   draw->setFillWithGradient(true);

@@ -93,7 +93,9 @@ TEST(ImageCodecs, OpaquePngIsWrittenWithoutAlphaAndResolutionSurvives) {
   for (int row = 0; row < 6; ++row)
     for (int x = 0; x < 8; ++x) bitmap->setPixelAt(x, row, {uint8_t(x * 30), 7, uint8_t(row), 255});
   bitmap->setSizeWithDPI(144);
-  auto png = WritePNG(*bitmap, {.compressionLevel = 9});
+  PngWriteOptions options;
+  options.compressionLevel = 9;
+  auto png = WritePNG(*bitmap, options);
   ASSERT_TRUE(png);
   EXPECT_EQ((*png)[25], 2) << "IHDR colour type should be RGB";
   DecodedImage decoded = ReadPNG(*png);

@@ -1,0 +1,217 @@
+// Composition of the canvas: the layer list painted bottom first into the
+// canvas bitmap, with a buffer of every layer but the top one so that editing
+// the top layer repaints one draw over a copy of the buffer.
+#include <algorithm>
+#include <cstring>
+#include <unordered_set>
+
+#include "document/paint_manager.h"
+#include "draws/draw_image.h"
+#include "platform/bitmap.h"
+#include "platform/graphics_context.h"
+#include "raster/bitmap_functions.h"
+
+namespace paintdoc {
+
+namespace {
+
+bool Contains(const DrawList& list, const std::shared_ptr<DrawBase>& draw) {
+  return std::find(list.begin(), list.end(), draw) != list.end();
+}
+
+// Replaces every pixel of `to` by the pixels of `from`. Bitmaps of one size
+// are copied byte for byte, which is what a copy-operation draw of the whole
+// bitmap gives; otherwise `from` is drawn at its size with the copy operation.
+void ReplacePixels(const std::shared_ptr<Bitmap>& to, const Bitmap& from) {
+  if (to->pixelsWide() == from.pixelsWide() && to->pixelsHigh() == from.pixelsHigh()) {
+    if (!from.isEmpty()) std::memcpy(to->data(), from.data(), from.byteCount());
+    return;
+  }
+  BitmapFocus focus(to);
+  focus.context().setCompositingOperation(CompositingOperation::Copy);
+  focus.context().drawImage(from, MakeRect(0, 0, to->size().width, to->size().height));
+}
+
+}  // namespace
+
+Rect GetCenterRect(Size imageSize, const Rect& outer) {
+  const double width = outer.width();
+  const double height = outer.height();
+  const float ratioX = static_cast<float>(imageSize.width / width);
+  const float ratioY = static_cast<float>(imageSize.height / height);
+  Size fitted = imageSize;
+  if (ratioX > 1 && ratioX >= ratioY) {
+    fitted = MakeSize(width, imageSize.height / ratioX);
+  } else if (ratioY > 1 && ratioY >= ratioX) {
+    fitted = MakeSize(imageSize.width / ratioY, height);
+  }
+  return MakeRect((width - fitted.width) / 2, (height - fitted.height) / 2, fitted.width,
+                  fitted.height);
+}
+
+std::shared_ptr<Bitmap> PaintManager::makeCanvasBitmap() const {
+  return InitImageRep(size_.width, size_.height);
+}
+
+void PaintManager::paintDraw(const std::shared_ptr<DrawBase>& draw,
+                             const std::shared_ptr<Bitmap>& into) {
+  if (draw && draw->visible()) draw->drawInImage(into);
+}
+
+std::shared_ptr<Bitmap> PaintManager::image() {
+  if (!image_ || !imageBuffer_) refreshImage();
+  return image_;
+}
+
+void PaintManager::refreshImage() {
+  if (!imageBuffer_) {
+    imageBuffer_ = makeCanvasBitmap();
+    paintBufferDraws();
+  }
+  if (!image_) image_ = makeCanvasBitmap();
+  if (!image_) return;
+
+  if (imageBuffer_) ReplacePixels(image_, *imageBuffer_);
+  BitmapFocus focus(image_);
+  focus.context().setCompositingOperation(CompositingOperation::SourceOver);
+  // With a single draw in the list, this is the only place it is painted.
+  if (!aryDraw_.empty()) paintDraw(std::shared_ptr<DrawBase>(aryDraw_.back()), image_);
+  maskWithBackground(focus.context());
+}
+
+void PaintManager::paintBufferDraws() {
+  if (!imageBuffer_ || aryDraw_.size() < 2) return;
+  BitmapFocus focus(imageBuffer_);
+  focus.context().setCompositingOperation(CompositingOperation::SourceOver);
+  // The count is read again after every draw: painting must not run past a
+  // list that changed meanwhile. Each draw is held while it paints.
+  for (size_t index = 0; index + 1 < aryDraw_.size(); ++index) {
+    paintDraw(std::shared_ptr<DrawBase>(aryDraw_[index]), imageBuffer_);
+  }
+}
+
+void PaintManager::maskWithBackground(GraphicsContext& context) {
+  if (!drawBackground_ || !bMaskWithBackground_) return;
+  const std::shared_ptr<Bitmap>& mask = drawBackground_->image();
+  // Without pixels there is nothing to mask with; the picture stays as it is.
+  if (!mask) return;
+  // The background's own rotation is left out here.
+  const Rect maskRect = drawBackground_->controlBoundsBeforeRotation();
+  context.saveGraphicsState();
+  context.setCompositingOperation(CompositingOperation::DestinationIn);
+  context.drawImage(*mask, maskRect);
+  // An image draw changes only its own rectangle; the picture outside the
+  // background is cleared explicitly, so that only the background's area
+  // remains.
+  BezierPath outside = BezierPath::withRect(MakeRect(0, 0, image_->size().width,
+                                                     image_->size().height));
+  outside.appendRect(maskRect);
+  context.clip(outside, WindingRule::EvenOdd);
+  context.setFillColor(Color::clearColor());
+  context.fillRect(MakeRect(0, 0, image_->size().width, image_->size().height),
+                   CompositingOperation::Copy);
+  context.restoreGraphicsState();
+}
+
+void PaintManager::clearMemeryBuffer() {
+  imageBuffer_.reset();
+  image_.reset();
+}
+
+DrawList PaintManager::visibleDraws() const {
+  DrawList visible;
+  for (const auto& draw : aryDraw_) {
+    if (!draw->visible()) continue;
+    const auto* group = dynamic_cast<const DrawGroup*>(draw.get());
+    if (group != nullptr && !group->hasVisibleDraw()) continue;
+    visible.push_back(draw);
+  }
+  return visible;
+}
+
+DrawList PaintManager::drawsInLayerOrder(const DrawList& collection) const {
+  std::unordered_set<const DrawBase*> wanted;
+  for (const auto& draw : collection) wanted.insert(draw.get());
+  DrawList ordered;
+  for (const auto& draw : aryDraw_) {
+    if (wanted.count(draw.get()) != 0) {
+      ordered.push_back(draw);
+    } else if (const auto* group = dynamic_cast<const DrawGroup*>(draw.get())) {
+      for (const auto& member : group->draws()) {
+        if (wanted.count(member.get()) != 0) ordered.push_back(member);
+      }
+    }
+  }
+  return ordered;
+}
+
+void PaintManager::setBackgroundImage(std::shared_ptr<Bitmap> image) {
+  if (!image) {
+    setBackgroundDraw(nullptr);
+    return;
+  }
+  const Rect fitted = GetCenterRect(MakeSize(image->pixelsWide(), image->pixelsHigh()),
+                                    MakeRect(0, 0, size_.width, size_.height));
+  if (drawBackground_) {
+    drawBackground_->setImage(std::move(image));
+    drawBackground_->setBezierPathWithBounds(fitted);
+    imageBuffer_.reset();
+    return;
+  }
+  std::shared_ptr<DrawImage> background = DrawImage::withImage(std::move(image));
+  background->setBezierPathWithBounds(fitted);
+  setBackgroundDraw(std::move(background));
+}
+
+std::shared_ptr<DrawGroup> PaintManager::topLevelGroupHolding(
+    const std::shared_ptr<DrawBase>& draw) const {
+  if (!draw || Contains(aryDraw_, draw)) return nullptr;
+  for (const auto& element : aryDraw_) {
+    auto group = std::dynamic_pointer_cast<DrawGroup>(element);
+    if (group && Contains(group->draws(), draw)) return group;
+  }
+  return nullptr;
+}
+
+void PaintManager::respondToChangeOfDraws(const DrawList& changedDraws) {
+  const std::shared_ptr<DrawBase> top = toppestDraw();
+  // Only the top draw changed: the buffer below it is still right.
+  if (changedDraws.size() == 1 && top && changedDraws.front() == top) {
+    refreshImage();
+    return;
+  }
+  for (const auto& draw : changedDraws) {
+    if (draw && Contains(aryDraw_, draw)) {
+      imageBuffer_.reset();
+      return;
+    }
+  }
+  bool topGroupChanged = false;
+  for (const auto& draw : changedDraws) {
+    const std::shared_ptr<DrawGroup> group = topLevelGroupHolding(draw);
+    if (!group) continue;
+    if (group != top) {
+      imageBuffer_.reset();
+      return;
+    }
+    topGroupChanged = true;
+  }
+  // Draws that are neither top level nor in a group change nothing.
+  if (topGroupChanged) refreshImage();
+}
+
+bool PaintManager::addDraw(std::shared_ptr<DrawBase> draw) {
+  if (!draw || Contains(aryDraw_, draw)) return false;
+  // The present top draw is about to join the layers below the top: paint it
+  // into the buffer now instead of rebuilding the buffer later.
+  if (!aryDraw_.empty() && imageBuffer_) {
+    BitmapFocus focus(imageBuffer_);
+    focus.context().setCompositingOperation(CompositingOperation::SourceOver);
+    paintDraw(std::shared_ptr<DrawBase>(aryDraw_.back()), imageBuffer_);
+  }
+  aryDraw_.push_back(std::move(draw));
+  image_.reset();
+  return true;
+}
+
+}  // namespace paintdoc

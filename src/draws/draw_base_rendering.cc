@@ -1,0 +1,410 @@
+// The rendering pipeline of DrawBase: how a vector draw paints fill, shadows,
+// stroke and reflection into the current graphics context, the rectangles that
+// bound what it paints, painting it alone into a bitmap, and the highlight and
+// border overlays drawn over a canvas view while editing.
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "draws/canvas_view.h"
+#include "draws/draw_base.h"
+#include "platform/gaussian_blur.h"
+#include "platform/graphics_context.h"
+#include "platform/log.h"
+#include "raster/bitmap_functions.h"
+
+namespace paintdoc {
+
+namespace {
+
+// Colours this faint are not worth painting.
+constexpr double kMinimumVisibleAlpha = 0.01;
+// Below this alpha a highlighted fill shows the highlight colour instead.
+constexpr double kMinimumHighlightFillAlpha = 0.07;
+// A reflection never starts more than this far above the draw's bottom edge.
+constexpr float kNearestReflectionDistance = -60.0f;
+// Highlight outlines of unstroked draws are this many view pixels wide.
+constexpr double kHighlightViewWidth = 3.0;
+// Above this zoom, odd line widths of overlays are shifted onto pixel centres.
+constexpr float kHalfPixelShiftMinimumScale = 1.2f;
+
+GraphicsContext* CurrentContextOrLog(const char* operation) {
+  GraphicsContext* context = GraphicsContext::current();
+  if (context == nullptr) {
+    Log(std::string("Error: ") + operation + " needs focus locked on a bitmap");
+  }
+  return context;
+}
+
+// A line width whose whole part is odd: such lines are drawn shifted by half a
+// unit so that they cover whole pixels.
+bool IsOddWidth(double lineWidth) {
+  return std::isfinite(lineWidth) && std::fmod(std::trunc(lineWidth), 2.0) != 0;
+}
+
+bool ShadowApplies(const DrawBase& draw) { return draw.enableShadow() && draw.shadow(); }
+
+bool IsVisibleColor(const std::optional<Color>& color, double minimumAlpha) {
+  return color && color->alphaComponent() >= minimumAlpha;
+}
+
+// The reflection's distance below the bottom edge, with unset or absurdly
+// negative distances taken as the nearest allowed one.
+float ReflectionDistance(const DrawBase& draw) {
+  return std::max(draw.reflectionDis(), kNearestReflectionDistance);
+}
+
+bool ReflectionApplies(const DrawBase& draw) {
+  return draw.enableReflection() && draw.reflection() > 0;
+}
+
+// `rect` grown by the drop shadow (moved by its offset, spread by its blur)
+// and by the reflection below `drawRect`. The reflection always reserves at
+// least the draw's full mirrored height, even when a weaker reflection paints
+// less of it.
+Rect WithShadowAndReflection(const DrawBase& draw, Rect rect, const Rect& drawRect) {
+  if (ShadowApplies(draw)) {
+    const Shadow& shadow = *draw.shadow();
+    Rect shadowRect = RectOffset(rect, shadow.shadowOffset().width, shadow.shadowOffset().height);
+    const double blur = shadow.shadowBlurRadius();
+    if (blur > 0) shadowRect = RectInset(shadowRect, -blur, -blur);
+    rect = RectUnion(rect, shadowRect);
+  }
+  if (ReflectionApplies(draw)) {
+    const float distance = ReflectionDistance(draw);
+    const float strength = std::max(draw.reflection(), 1.0f);
+    const float height = static_cast<float>(strength * drawRect.height());
+    const Rect reflection = MakeRect(drawRect.origin.x, drawRect.origin.y - distance - height,
+                                     drawRect.width(), height);
+    rect = RectUnion(rect, reflection);
+  }
+  return rect;
+}
+
+// The bounding box of a rectangle mapped by a transform.
+Rect TransformedBounds(const Rect& rect, const AffineTransform& transform) {
+  BezierPath box = BezierPath::withRect(rect);
+  box.transform(transform);
+  return box.bounds();
+}
+
+// A transparency layer covers the whole clip, and so does the shadow it casts
+// as one object. Around a single fill, narrowing the clip to what the fill and
+// its shadow can reach keeps both small without changing a pixel: the layer
+// is transparent everywhere else, and a source-over composite of nothing
+// leaves the destination as it is. `bounds` is in user space; shadow offset
+// and blur are in device pixels.
+void ClipToFillAndItsShadow(GraphicsContext& context, const Rect& bounds, const Shadow& shadow) {
+  const std::shared_ptr<Bitmap>& bitmap = context.bitmap();
+  if (!bitmap || bitmap->isEmpty()) return;
+  const double pointsPerPixel = std::max(bitmap->size().width / bitmap->pixelsWide(),
+                                         bitmap->size().height / bitmap->pixelsHigh());
+  const AffineTransform toDefault = context.currentTransform();
+  const Rect fill = TransformedBounds(bounds, toDefault);
+  const Size offset = shadow.shadowOffset();
+  const double reach =
+      (GaussianBlurReach(ShadowBlurSigma(shadow.shadowBlurRadius())) + 2) * pointsPerPixel;
+  Rect affected = RectUnion(fill, RectOffset(fill, offset.width * pointsPerPixel,
+                                             offset.height * pointsPerPixel));
+  affected = RectInset(affected, -reach, -reach);
+  context.clipToRect(TransformedBounds(affected, toDefault.inverted()));
+}
+
+// The radial gradient's centre relative to `bounds`: (0, 0) its middle,
+// (1, 1) its upper right corner. A zero-size side keeps the middle.
+Point RelativeGradientCenter(const DrawBase& draw, float scale, const Rect& bounds) {
+  if (draw.fillGradientCenter() == Point{}) return Point{};
+  const Point center = draw.fillGradientCenterPointWithScale(scale);
+  Point relative;
+  if (bounds.width() != 0) relative.x = (center.x - bounds.midX()) / bounds.width() * 2;
+  if (bounds.height() != 0) relative.y = (center.y - bounds.midY()) / bounds.height() * 2;
+  return relative;
+}
+
+// The gradient fill inside `path`: radial about its relative centre, or
+// linear at `linearAngle` degrees.
+void PaintGradientFill(GraphicsContext& context, const DrawBase& draw, const BezierPath& path,
+                       float scale, double linearAngle) {
+  const Gradient& gradient = *draw.fillGradient();
+  if (draw.fillRadialGradient()) {
+    context.drawGradient(gradient, path, RelativeGradientCenter(draw, scale, path.bounds()));
+  } else {
+    context.drawGradient(gradient, path, linearAngle);
+  }
+}
+
+// A shadow band along the inside edges of `path`, opposite the shadow's
+// offset: inside two transparency layers the shadow of the filled path is
+// composited source-out, then the path itself source-out over it, which
+// leaves the shadow only where it lies inside the path.
+void PaintInnerShadow(GraphicsContext& context, const Shadow& innerShadow,
+                      const BezierPath& path, const Rect& bounds) {
+  const Color color = innerShadow.shadowColor();
+  context.saveGraphicsState();
+  context.clipToRect(bounds);
+  context.setAlpha(color.alphaComponent());
+  context.beginTransparencyLayer();
+  const Shadow opaqueShadow(color.withAlphaComponent(1.0), innerShadow.shadowOffset(),
+                            innerShadow.shadowBlurRadius());
+  context.setShadow(opaqueShadow);
+  context.setBlendMode(BlendMode::SourceOut);
+  context.beginTransparencyLayer();
+  context.setFillColor(opaqueShadow.shadowColor());
+  context.fill(path);
+  context.endTransparencyLayer();
+  context.endTransparencyLayer();
+  context.restoreGraphicsState();
+}
+
+}  // namespace
+
+void DrawBase::drawInImage(const std::shared_ptr<Bitmap>& /*image*/) { draw(); }
+
+bool DrawBase::drawStroke() const {
+  if (!classDrawStroke() || !bEnableStroke_) return false;
+  if (copyWhenComposite()) return true;
+  return IsVisibleColor(colorStroke_, kMinimumVisibleAlpha);
+}
+
+bool DrawBase::drawFill() const {
+  if (!classDrawFill() || !bEnableFill_) return false;
+  if (copyWhenComposite()) return true;
+  if (bFillWithGdt_) return gradientFill_.has_value();
+  return IsVisibleColor(colorFill_, kMinimumVisibleAlpha);
+}
+
+void DrawBase::_draw() {
+  if (!bezierPath_) return;
+  GraphicsContext* context = CurrentContextOrLog("drawing a layer");
+  if (context == nullptr) return;
+
+  context->saveGraphicsState();
+  context->setCompositingOperation(copyWhenComposite() ? CompositingOperation::Copy
+                                                       : CompositingOperation::SourceOver);
+  context->setShouldAntialias(true);
+  const bool shadowApplies = ShadowApplies(*this);
+  const BezierPath outline = bezierPath_->transformed(transform());
+  const bool stroked = drawStroke();
+  const bool filled = drawFill();
+
+  if (stroked && IsOddWidth(outline.lineWidth())) context->translate(0.5, 0.5);
+
+  if (filled) {
+    const Rect bounds = outline.bounds();
+    if (shadowApplies) context->setShadow(shadow_);
+    if (bFillWithGdt_) {
+      if (gradientFill_) {
+        // Inside a layer the gradient's many pieces cast one shadow together.
+        const bool narrowLayer = shadowApplies && !copyWhenComposite();
+        if (narrowLayer) {
+          context->saveGraphicsState();
+          ClipToFillAndItsShadow(*context, bounds, *shadow_);
+        }
+        if (shadowApplies) context->beginTransparencyLayer();
+        PaintGradientFill(*context, *this, outline, 1.0f,
+                          static_cast<float>(fFillGdtDegree_ + fRotateDegree_));
+        if (shadowApplies) context->endTransparencyLayer();
+        if (narrowLayer) context->restoreGraphicsState();
+      }
+    } else {
+      // A draw that replaces pixels fills even without a colour of its own,
+      // with whatever fill colour is current.
+      if (colorFill_) context->setFillColor(*colorFill_);
+      context->fill(outline);
+    }
+    if (shadowApplies) context->setShadow(std::nullopt);
+    if (bEnableInnerShadow_ && shadowInner_) {
+      PaintInnerShadow(*context, *shadowInner_, outline, bounds);
+    }
+  }
+
+  if (stroked) {
+    context->setShouldAntialias(shouldAntialias());
+    if (colorStroke_) context->setStrokeColor(*colorStroke_);
+    if (shadowApplies && filled) {
+      // The fill already cast the shape's shadow; the stroke's shadow may only
+      // fall outside the filled outline, so it is clipped to everything but it.
+      context->saveGraphicsState();
+      context->setShadow(shadow_);
+      BezierPath outside = BezierPath::withRect(renderedRect());
+      outside.appendPath(outline);
+      context->clip(outside, WindingRule::EvenOdd);
+      context->stroke(outline);
+      context->restoreGraphicsState();
+      context->stroke(outline);
+    } else {
+      if (shadowApplies) context->setShadow(shadow_);
+      context->stroke(outline);
+    }
+  }
+  context->restoreGraphicsState();
+}
+
+void DrawBase::draw() {
+  if (isSelectTool() || !bezierPath_ || bezierPath_->isEmpty()) return;
+  if (ReflectionApplies(*this)) {
+    GraphicsContext* context = CurrentContextOrLog("drawing a layer");
+    if (context == nullptr) return;
+    const bool shadowWasEnabled = bEnableShadow_;
+    bEnableShadow_ = false;
+
+    Rect reflection = drawRect();
+    context->saveGraphicsState();
+    // Mirror about the bottom edge, then move down by the distance.
+    const float distance = ReflectionDistance(*this);
+    AffineTransform mirror = AffineTransform::scaling(1, -1);
+    mirror.append(AffineTransform::translation(0, 2 * reflection.origin.y - distance));
+    context->concat(mirror);
+    // In the mirrored space the clip runs from the bottom edge downwards.
+    reflection.size.height *= std::min(fReflection_, 1.0f);
+    context->clipToRect(reflection);
+
+    context->beginTransparencyLayer();
+    _draw();
+    // Fade the copy: its alpha is kept in proportion to a gradient running
+    // from the draw's edge to the far end of the reflection.
+    context->setBlendMode(BlendMode::DestinationIn);
+    context->beginTransparencyLayer();
+    const float nearAlpha = std::min(std::max(fReflection_ + 0.2f, 0.4f), 1.0f);
+    const float farAlpha = std::min(std::max(fReflection_ - 1.0f, 0.0f), 1.0f);
+    const Gradient fade = Gradient::withStartingColor(Color::calibratedWhite(0.0, nearAlpha),
+                                                      Color::calibratedWhite(0.0, farAlpha));
+    context->drawGradient(fade, reflection, 90.0);
+    context->endTransparencyLayer();
+    context->endTransparencyLayer();
+    context->restoreGraphicsState();
+
+    bEnableShadow_ = shadowWasEnabled;
+  }
+  _draw();
+}
+
+Rect DrawBase::drawRect() const {
+  if (!bezierPath_ || bezierPath_->isEmpty()) return ZeroRect();
+  const BezierPath outline = bezierPath_->transformed(transform());
+  Rect bounds = outline.bounds();
+  if (drawStroke()) {
+    const float halfWidth = static_cast<float>(bezierPath_->lineWidth()) / 2.0f;
+    bounds = RectInset(bounds, -halfWidth, -halfWidth);
+  }
+  return bounds;
+}
+
+Rect DrawBase::renderedRect() const {
+  const Rect bounds = drawRect();
+  return RectIntegral(WithShadowAndReflection(*this, bounds, bounds));
+}
+
+Rect DrawBase::displayRect() const {
+  const double lineWidth = bezierPath_ ? bezierPath_->lineWidth() : 0.0;
+  const Rect control = RectInset(controlBounds(), -2 * lineWidth, -2 * lineWidth);
+  return WithShadowAndReflection(*this, control, drawRect());
+}
+
+std::shared_ptr<Bitmap> DrawBase::renderedImage() {
+  if (!bezierPath_ || bezierPath_->isEmpty()) return nullptr;
+  const Rect area = renderedRect();
+  if (area.width() < 1 || area.height() < 1) return nullptr;
+  std::shared_ptr<Bitmap> image = InitImageRep(area.width(), area.height());
+  if (!image) return nullptr;
+  WTLockFocus(image);
+  GraphicsContext& context = *GraphicsContext::current();
+  // _draw switches antialiasing on again; this setting reaches only what a
+  // subclass paints before it.
+  context.setShouldAntialias(false);
+  context.setCompositingOperation(CompositingOperation::SourceOver);
+  context.translate(-area.origin.x, -area.origin.y);
+  draw();
+  WTUnlockFocus(image);
+  return image;
+}
+
+void DrawBase::drawHighlightInCanvasView(const CanvasView& view) {
+  if (!bezierPath_ || bezierPath_->isEmpty()) return;
+  GraphicsContext* context = CurrentContextOrLog("drawing a highlight");
+  if (context == nullptr) return;
+  context->saveGraphicsState();
+  context->setShouldAntialias(shouldAntialias());
+  context->concat(view.transformForDrawing());
+
+  BezierPath outline = bezierPath_->transformed(transform());
+  context->setColor(colorDrawBaseHighlight);
+  const bool stroked = drawStroke();
+  const double width = stroked ? std::max(outline.lineWidth() + 2.0, 3.0)
+                               : ViewPixelsInCanvasUnits(view, kHighlightViewWidth);
+  outline.setLineWidth(width);
+
+  if (view.highlightFromExternal() && drawFill()) {
+    if (bFillWithGdt_) {
+      // Unlike _draw, the gradient does not turn with the shape here.
+      if (gradientFill_) PaintGradientFill(*context, *this, outline, view.scale(), fFillGdtDegree_);
+    } else {
+      context->setFillColor(IsVisibleColor(colorFill_, kMinimumHighlightFillAlpha)
+                                ? *colorFill_
+                                : colorDrawBaseHighlight);
+      context->fill(outline);
+    }
+  }
+
+  if (classDrawStroke()) {
+    if (view.scale() > kHalfPixelShiftMinimumScale && stroked && IsOddWidth(width)) {
+      context->translate(0.5, 0.5);
+    }
+    if (!stroked && !lineDashStyle().empty()) outline.setLineDash({}, 0);
+    context->stroke(outline);
+  }
+  context->restoreGraphicsState();
+}
+
+void DrawBase::drawBorderInCanvasView(const CanvasView& view) {
+  if (!hasBorder() || !bezierPath_ || bezierPath_->isEmpty()) return;
+  GraphicsContext* context = CurrentContextOrLog("drawing a border");
+  if (context == nullptr) return;
+  context->saveGraphicsState();
+  const bool stroked = drawStroke();
+  const float scale = view.scale();
+  if (scale > kHalfPixelShiftMinimumScale && stroked && IsOddWidth(bezierPath_->lineWidth())) {
+    context->translate(scale * 0.5, scale * 0.5);
+  }
+
+  BezierPath border;
+  if (isSelectTool()) {
+    border = *bezierPath_;
+  } else {
+    Rect box = pathBounds();
+    if (stroked) {
+      auto roundHalfUp = [](double value) { return std::trunc(value + 0.5); };
+      box = MakeRect(roundHalfUp(box.origin.x), roundHalfUp(box.origin.y),
+                     roundHalfUp(box.size.width), roundHalfUp(box.size.height));
+      const double halfWidth = bezierPath_->lineWidth() / 2;
+      box = RectInset(box, -halfWidth, -halfWidth);
+    }
+    border = BezierPath::withRect(box);
+  }
+  border.transform(transform());
+  border.transform(view.transformForDrawing());
+  context->setShouldAntialias(false);
+  border.setLineWidth(borderLineWidth);
+
+  // Black under white dashes, so that the border shows on any background;
+  // the dash phase advances in the background and makes the dashes march.
+  context->setStrokeColor(Color::calibratedWhite(0.0, 1.0));
+  context->stroke(border);
+  border.setLineDash(std::vector<double>(borderDashStyle, borderDashStyle + borderDaskPhaseCount),
+                     fBorderDashPhaseStart.load(std::memory_order_relaxed));
+  context->setStrokeColor(Color::calibratedWhite(1.0, 1.0));
+  context->stroke(border);
+  context->restoreGraphicsState();
+}
+
+Point DrawBase::fillGradientCenterPointWithScale(float /*scale*/) const {
+  const Rect bounds = pathBounds();
+  Point center = bounds.center();
+  if (ptFillGdtCenter_ != Point{}) {
+    center.x += ptFillGdtCenter_.x * bounds.width() / 2;
+    center.y += ptFillGdtCenter_.y * bounds.height() / 2;
+  }
+  return pointAfterRotate(center);
+}
+
+}  // namespace paintdoc
