@@ -16,9 +16,9 @@ if(TARGET paintdoc-cli)
   install(TARGETS paintdoc-cli paintdoc-preview-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(TARGETS paintdoc-preview LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
-  configure_file(${PROJECT_SOURCE_DIR}/data/paintdoc.thumbnailer.in
-    ${PROJECT_BINARY_DIR}/data/paintdoc.thumbnailer @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/data/paintdoc.thumbnailer
+  # The entry names the tool without a path: thumbnailers are found on PATH,
+  # and the sandbox they run in shows all of /usr.
+  install(FILES ${PROJECT_SOURCE_DIR}/data/paintdoc.thumbnailer
     DESTINATION ${CMAKE_INSTALL_DATADIR}/thumbnailers)
 endif()
 
@@ -31,7 +31,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/data/paintdoc-mime.xml
 install(CODE "
   find_program(PAINTDOC_UPDATE_MIME update-mime-database)
   if(PAINTDOC_UPDATE_MIME AND \"\$ENV{DESTDIR}\" STREQUAL \"\")
-    execute_process(COMMAND \${PAINTDOC_UPDATE_MIME} \"${CMAKE_INSTALL_FULL_DATADIR}/mime\"
+    execute_process(COMMAND \${PAINTDOC_UPDATE_MIME} \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/mime\"
                     RESULT_VARIABLE PAINTDOC_MIME_RESULT OUTPUT_QUIET ERROR_QUIET)
   endif()
 ")

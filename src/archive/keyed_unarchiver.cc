@@ -60,7 +60,7 @@ bool KeyedUnarchiver::open(SharedBytes bytes) {
   // A budget for decoding work, generous for any real archive (which decodes
   // each object about once) but finite for files whose shared containers
   // would multiply the work.
-  workBudget_ = 16 * (bytes.size() + (uint64_t{1} << 16));
+  workBudget_ = 16 * uint64_t{bytes.size()} + (uint64_t{1} << 16);
   auto plist = PropertyList::read(std::move(bytes), limits_, &error);
   if (!plist) {
     fail("not a keyed archive: " + error);

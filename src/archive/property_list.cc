@@ -1,5 +1,6 @@
 #include "archive/property_list.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/utf16.h"
@@ -7,6 +8,12 @@
 namespace paintdoc {
 
 namespace {
+
+PlistObject Make(PlistType type) {
+  PlistObject o;
+  o.type = type;
+  return o;
+}
 
 bool IsAscii(std::string_view text) {
   for (char c : text) {
@@ -92,60 +99,52 @@ const uint8_t* PropertyList::own(std::span<const uint8_t> bytes) {
 uint32_t PropertyList::addNull() { return add(PlistObject{}); }
 
 uint32_t PropertyList::addBool(bool value) {
-  PlistObject o;
-  o.type = PlistType::Bool;
+  PlistObject o = Make(PlistType::Bool);
   o.boolean = value;
   return add(o);
 }
 
 uint32_t PropertyList::addInteger(int64_t value) {
-  PlistObject o;
-  o.type = PlistType::Integer;
+  PlistObject o = Make(PlistType::Integer);
   o.integer = value;
   return add(o);
 }
 
 uint32_t PropertyList::addUnsigned(uint64_t value) {
   if (value <= static_cast<uint64_t>(INT64_MAX)) return addInteger(static_cast<int64_t>(value));
-  PlistObject o;
-  o.type = PlistType::Integer;
+  PlistObject o = Make(PlistType::Integer);
   o.isUnsigned = true;
   o.unsignedInteger = value;
   return add(o);
 }
 
 uint32_t PropertyList::addReal(double value) {
-  PlistObject o;
-  o.type = PlistType::Real;
+  PlistObject o = Make(PlistType::Real);
   o.real = value;
   return add(o);
 }
 
 uint32_t PropertyList::addFloat(float value) {
-  PlistObject o;
-  o.type = PlistType::Real;
+  PlistObject o = Make(PlistType::Real);
   o.isSinglePrecision = true;
   o.real = value;
   return add(o);
 }
 
 uint32_t PropertyList::addDate(double secondsSinceReferenceDate) {
-  PlistObject o;
-  o.type = PlistType::Date;
+  PlistObject o = Make(PlistType::Date);
   o.real = secondsSinceReferenceDate;
   return add(o);
 }
 
 uint32_t PropertyList::addUid(uint64_t value) {
-  PlistObject o;
-  o.type = PlistType::Uid;
+  PlistObject o = Make(PlistType::Uid);
   o.uid = value;
   return add(o);
 }
 
 uint32_t PropertyList::addString(std::string_view utf8) {
-  PlistObject o;
-  o.type = PlistType::String;
+  PlistObject o = Make(PlistType::String);
   if (IsAscii(utf8)) {
     o.bytes = own({reinterpret_cast<const uint8_t*>(utf8.data()), utf8.size()});
     o.extent = utf8.size();
@@ -166,8 +165,7 @@ uint32_t PropertyList::addString(std::string_view utf8) {
 }
 
 uint32_t PropertyList::addData(std::span<const uint8_t> bytes) {
-  PlistObject o;
-  o.type = PlistType::Data;
+  PlistObject o = Make(PlistType::Data);
   o.bytes = own(bytes);
   o.extent = bytes.size();
   return add(o);
@@ -175,8 +173,7 @@ uint32_t PropertyList::addData(std::span<const uint8_t> bytes) {
 
 uint32_t PropertyList::addDataView(const SharedBytes& bytes) {
   keptViews_.push_back(bytes);
-  PlistObject o;
-  o.type = PlistType::Data;
+  PlistObject o = Make(PlistType::Data);
   o.bytes = bytes.data();
   o.extent = bytes.size();
   return add(o);
@@ -203,7 +200,8 @@ uint32_t PropertyList::addSet(std::span<const uint32_t> elements) {
 
 uint32_t PropertyList::addDictionary(std::span<const uint32_t> keys,
                                      std::span<const uint32_t> values) {
-  return addContainer(PlistType::Dictionary, keys, values.first(keys.size()));
+  const size_t pairs = std::min(keys.size(), values.size());
+  return addContainer(PlistType::Dictionary, keys.first(pairs), values.first(pairs));
 }
 
 }  // namespace paintdoc

@@ -119,12 +119,12 @@ class PropertyList {
   uint32_t addDataView(const SharedBytes& bytes);
   uint32_t addArray(std::span<const uint32_t> elements);
   uint32_t addSet(std::span<const uint32_t> elements);
+  // Pairs keys[i] → values[i]; extra keys or values are left out.
   uint32_t addDictionary(std::span<const uint32_t> keys, std::span<const uint32_t> values);
   void setRoot(uint32_t index) { root_ = index; }
 
  private:
   friend class BinaryPlistParser;
-  friend class XmlPlistParser;
 
   uint32_t add(const PlistObject& object);
   uint32_t addContainer(PlistType type, std::span<const uint32_t> first,

@@ -257,8 +257,9 @@ std::optional<DeviceRect> GroupPrimitive::deviceExtents(cairo_t*) const {
   double offsetX = 0, offsetY = 0;
   cairo_surface_get_device_offset(surface, &offsetX, &offsetY);
   // Device coordinates plus the offset give the group's pixels.
-  return DeviceRect{static_cast<int>(-offsetX), static_cast<int>(-offsetY),
+  DeviceRect pixels{static_cast<int>(-offsetX), static_cast<int>(-offsetY),
                     cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface)};
+  return ink_ ? Intersect(pixels, *ink_) : pixels;
 }
 
 // --- shadow masks

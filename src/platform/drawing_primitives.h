@@ -115,8 +115,9 @@ class ImagePrimitive : public Primitive {
 // cairo directly (bounded by what it drew).
 class GroupPrimitive : public Primitive {
  public:
-  GroupPrimitive(cairo_conversion::PatternPtr group, bool isLayer)
-      : group_(std::move(group)), isLayer_(isLayer) {}
+  // `ink`, when known, bounds the group's non-transparent pixels.
+  GroupPrimitive(cairo_conversion::PatternPtr group, bool isLayer, std::optional<DeviceRect> ink)
+      : group_(std::move(group)), isLayer_(isLayer), ink_(ink) {}
   void paint(cairo_t* cr, double alpha) const override;
   void paintSource(cairo_t* cr, double alpha) const override { paint(cr, alpha); }
   void paintCoverage(cairo_t* cr) const override;
@@ -127,6 +128,7 @@ class GroupPrimitive : public Primitive {
  private:
   cairo_conversion::PatternPtr group_;
   bool isLayer_;
+  std::optional<DeviceRect> ink_;
 };
 
 // A blurred, shifted shadow mask in device pixels.

@@ -162,39 +162,67 @@ uint8_t ToSample(float value) {
 // samples side by side: long enough for vectorised inner loops, short enough
 // that a block's buffers stay in cache.
 constexpr int kLanes = 64;
-// Below this many samples threading costs more than it saves.
-constexpr long kParallelThreshold = 1 << 16;
+// Below this many samples (a few milliseconds of work) threading costs more
+// than it saves: waking the workers and waiting for the slowest one, which on
+// a busy machine may not be running at all.
+constexpr long kParallelThreshold = 1 << 19;
+
+// Rows are moved between the bitmap and the line buffer in tiles of this
+// many pixels, so that both the reads and the writes stay within a few
+// kilobytes (a transpose in cache-sized pieces).
+constexpr int kTile = 16;
 
 // Rows in blocks: sample x of every row of the block forms position x.
-void BlurRows(uint8_t* samples, int width, int height, size_t stride, int channels,
-              const BlurPlan& plan, BlurEdges edges) {
-  const int rowsPerBlock = std::max(1, kLanes / channels);
-  const int blocks = (height + rowsPerBlock - 1) / rowsPerBlock;
-  bool parallel = static_cast<long>(width) * height * channels >= kParallelThreshold;
+template <int kChannels>
+void BlurRowBlocks(uint8_t* samples, int width, int height, size_t stride, const BlurPlan& plan,
+                   BlurEdges edges) {
+  constexpr int kRowsPerBlock = kLanes / kChannels;
+  const int blocks = (height + kRowsPerBlock - 1) / kRowsPerBlock;
+  bool parallel = static_cast<long>(width) * height * kChannels >= kParallelThreshold;
 #pragma omp parallel if (parallel)
   {
     LaneBuffer line;
 #pragma omp for schedule(static)
     for (int block = 0; block < blocks; ++block) {
-      const int firstRow = block * rowsPerBlock;
-      const int rows = std::min(rowsPerBlock, height - firstRow);
-      line.resize(width, rows * channels, plan.reach);
-      for (int r = 0; r < rows; ++r) {
-        const uint8_t* row = samples + stride * static_cast<size_t>(firstRow + r);
-        for (int x = 0; x < width; ++x) {
-          float* out = line.at(line.pad + x) + r * channels;
-          for (int c = 0; c < channels; ++c) out[c] = row[x * channels + c];
+      const int firstRow = block * kRowsPerBlock;
+      const int rows = std::min(kRowsPerBlock, height - firstRow);
+      const int lanes = rows * kChannels;
+      line.resize(width, lanes, plan.reach);
+      float* positions = line.at(line.pad);
+      for (int x0 = 0; x0 < width; x0 += kTile) {
+        const int tileEnd = std::min(width, x0 + kTile);
+        for (int r = 0; r < rows; ++r) {
+          const uint8_t* row = samples + stride * static_cast<size_t>(firstRow + r);
+          for (int x = x0; x < tileEnd; ++x) {
+            for (int c = 0; c < kChannels; ++c) {
+              positions[static_cast<size_t>(x) * lanes + r * kChannels + c] = row[x * kChannels + c];
+            }
+          }
         }
       }
       line.blur(plan, edges);
-      for (int r = 0; r < rows; ++r) {
-        uint8_t* row = samples + stride * static_cast<size_t>(firstRow + r);
-        for (int x = 0; x < width; ++x) {
-          const float* in = line.at(line.pad + x) + r * channels;
-          for (int c = 0; c < channels; ++c) row[x * channels + c] = ToSample(in[c]);
+      positions = line.at(line.pad);
+      for (int x0 = 0; x0 < width; x0 += kTile) {
+        const int tileEnd = std::min(width, x0 + kTile);
+        for (int r = 0; r < rows; ++r) {
+          uint8_t* row = samples + stride * static_cast<size_t>(firstRow + r);
+          for (int x = x0; x < tileEnd; ++x) {
+            for (int c = 0; c < kChannels; ++c) {
+              row[x * kChannels + c] = ToSample(positions[static_cast<size_t>(x) * lanes + r * kChannels + c]);
+            }
+          }
         }
       }
     }
+  }
+}
+
+void BlurRows(uint8_t* samples, int width, int height, size_t stride, int channels,
+              const BlurPlan& plan, BlurEdges edges) {
+  if (channels == 1) {
+    BlurRowBlocks<1>(samples, width, height, stride, plan, edges);
+  } else {
+    BlurRowBlocks<Bitmap::kBytesPerPixel>(samples, width, height, stride, plan, edges);
   }
 }
 

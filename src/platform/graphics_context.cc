@@ -93,6 +93,7 @@ void GraphicsContext::flush() { cairo_surface_flush(surface_); }
 void GraphicsContext::saveGraphicsState() {
   states_.push_back(state());
   states_.back().beginsLayer = false;
+  states_.back().layerInk = ZeroRect();
   cairo_save(cr_);
 }
 
@@ -297,6 +298,7 @@ void GraphicsContext::beginTransparencyLayer() {
   states_.push_back(state());
   State& inside = states_.back();
   inside.beginsLayer = true;
+  inside.layerInk = ZeroRect();
   inside.alpha = 1;
   inside.shadow.reset();
   inside.operation = CompositingOperation::SourceOver;
@@ -316,9 +318,12 @@ void GraphicsContext::endTransparencyLayer() {
     states_.pop_back();
     cairo_restore(cr_);
   }
+  Rect ink = states_.back().layerInk;
   states_.pop_back();
   PatternPtr layer(cairo_pop_group(cr_));
-  draw(GroupPrimitive(std::move(layer), /*isLayer=*/true));
+  draw(GroupPrimitive(std::move(layer), /*isLayer=*/true,
+                      DeviceRect{static_cast<int>(ink.minX()), static_cast<int>(ink.minY()),
+                                 static_cast<int>(ink.width()), static_cast<int>(ink.height())}));
 }
 
 void GraphicsContext::drawWithCairo(const std::function<void(cairo_t*)>& paint) {
@@ -329,30 +334,59 @@ void GraphicsContext::drawWithCairo(const std::function<void(cairo_t*)>& paint) 
   paint(cr_);
   cairo_restore(cr_);
   PatternPtr drawn(cairo_pop_group(cr_));
-  draw(GroupPrimitive(std::move(drawn), /*isLayer=*/false));
+  draw(GroupPrimitive(std::move(drawn), /*isLayer=*/false, std::nullopt));
 }
 
 // --- one primitive: its shadow, then itself
 
+namespace {
+
+Rect ToRect(const DeviceRect& r) { return MakeRect(r.x, r.y, r.width, r.height); }
+
+// Stands for "anywhere" where a primitive has no bounds; layers clip it to
+// their own surface.
+constexpr Rect kEverywhere = MakeRect(-(1 << 28), -(1 << 28), 1 << 29, 1 << 29);
+
+}  // namespace
+
 void GraphicsContext::draw(const Primitive& primitive) {
   cairo_set_antialias(cr_, state().antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
-  if (state().shadow) drawShadow(primitive);
+  Rect shadowPixels = state().shadow ? drawShadow(primitive) : ZeroRect();
   CompositePrimitive(cr_, primitive, ToCairoOperator(state().operation), state().alpha);
+  // Inside a layer, remember where it has ink: its shadow and composite
+  // later need only that part of the layer.
+  bool insideLayer = std::any_of(states_.begin(), states_.end(),
+                                 [](const State& s) { return s.beginsLayer; });
+  if (insideLayer) {
+    std::optional<DeviceRect> extents = primitive.deviceExtents(cr_);
+    noteLayerInk(RectUnion(shadowPixels, extents ? ToRect(*extents) : kEverywhere));
+  }
 }
 
-void GraphicsContext::drawShadow(const Primitive& primitive) {
+void GraphicsContext::noteLayerInk(const Rect& devicePixels) {
+  auto layerStart = std::find_if(states_.rbegin(), states_.rend(),
+                                 [](const State& s) { return s.beginsLayer; });
+  if (layerStart != states_.rend()) {
+    layerStart->layerInk = RectUnion(layerStart->layerInk, devicePixels);
+  }
+}
+
+Rect GraphicsContext::drawShadow(const Primitive& primitive) {
   const Shadow& shadow = *state().shadow;
   Color color = shadow.shadowColor();
   Size offset = shadow.shadowOffset();
   double blur = shadow.shadowBlurRadius();
-  if (!(color.alphaComponent() > 0) || state().alpha <= 0) return;
-  if (!std::isfinite(offset.width) || !std::isfinite(offset.height) || !std::isfinite(blur)) return;
-  if (offset.width == 0 && offset.height == 0 && blur <= 0) return;
+  if (!(color.alphaComponent() > 0) || state().alpha <= 0) return ZeroRect();
+  if (!std::isfinite(offset.width) || !std::isfinite(offset.height) || !std::isfinite(blur)) {
+    return ZeroRect();
+  }
+  if (offset.width == 0 && offset.height == 0 && blur <= 0) return ZeroRect();
   double sigma = std::min(ShadowBlurSigma(blur), kMaxShadowSigma);
   std::optional<ShadowMask> mask = RenderShadowMask(cr_, primitive, sigma, offset);
-  if (!mask) return;
-  CompositePrimitive(cr_, MaskPrimitive(*mask, color, primitive.isLayer()),
-                     ToCairoOperator(state().operation), state().alpha);
+  if (!mask) return ZeroRect();
+  MaskPrimitive shadowPrimitive(*mask, color, primitive.isLayer());
+  CompositePrimitive(cr_, shadowPrimitive, ToCairoOperator(state().operation), state().alpha);
+  return ToRect(*shadowPrimitive.deviceExtents(cr_));
 }
 
 double ShadowBlurSigma(double blurRadius) {

@@ -183,12 +183,18 @@ class GraphicsContext {
     Color fillColor = Color::blackColor();
     Color strokeColor = Color::blackColor();
     bool beginsLayer = false;  // saved by beginTransparencyLayer
+    // For a state that begins a layer: the device pixels drawn into the
+    // layer so far (the zero rectangle when nothing was drawn).
+    Rect layerInk;
   };
   const State& state() const { return states_.back(); }
   State& state() { return states_.back(); }
   // Draws one primitive: its shadow (when one is set), then itself.
   void draw(const drawing::Primitive& primitive);
-  void drawShadow(const drawing::Primitive& primitive);
+  // Draws the shadow; answers the device pixels it covers (zero when none).
+  Rect drawShadow(const drawing::Primitive& primitive);
+  // Adds device pixels to the ink of the innermost open layer.
+  void noteLayerInk(const Rect& devicePixels);
 
   std::shared_ptr<Bitmap> bitmap_;
   cairo_surface_t* surface_ = nullptr;

@@ -78,13 +78,26 @@ void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
   out += "]";
 }
 
+// Text output rounds to six significant digits: archived outlines carry
+// single-precision points, and 239.99999618530273 reads worse than 240.
+std::string TextNumber(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g", value);
+  return text;
+}
+
+std::string TextRect(const Rect& r) {
+  return "{{" + TextNumber(r.origin.x) + ", " + TextNumber(r.origin.y) + "}, {" +
+         TextNumber(r.size.width) + ", " + TextNumber(r.size.height) + "}}";
+}
+
 void AppendLayersText(std::string& out, const std::vector<LayerInfo>& layers, int depth) {
   for (const LayerInfo& layer : layers) {
     out += std::string(2 * (depth + 1), ' ') + layer.className + " \"" + layer.title + "\"";
     out += layer.visible ? " visible" : " hidden";
     if (layer.locked) out += " locked";
-    out += " rotation " + FormatNumber(layer.rotation);
-    out += " bounds " + StringFromRect(layer.bounds);
+    out += " rotation " + TextNumber(layer.rotation);
+    out += " bounds " + TextRect(layer.bounds);
     if (layer.isGroup) out += " (" + std::to_string(layer.members.size()) + " members)";
     out += "\n";
     AppendLayersText(out, layer.members, depth + 1);

@@ -1,44 +1,32 @@
 #include "preview/preview_generator.h"
 
-#include <algorithm>
-
 #include "document/paint_manager.h"
 #include "platform/bitmap.h"
-#include "preview/bitmap_scaling.h"
+#include "platform/graphics_context.h"
 #include "preview/preview_request.h"
 
 namespace paintdoc {
 
 namespace {
 
-// Draws `source` with source-over into `context`, unscaled, with its lower
-// left corner at the context's lower left corner (rows are stored top first,
-// so the bottom rows line up).
-void DrawBitmapAtOrigin(Bitmap& context, const Bitmap& source) {
-  const int width = std::min(context.pixelsWide(), source.pixelsWide());
-  const int height = std::min(context.pixelsHigh(), source.pixelsHigh());
-  for (int fromBottom = 0; fromBottom < height; ++fromBottom) {
-    const uint8_t* in = source.rowAt(source.pixelsHigh() - 1 - fromBottom);
-    uint8_t* out = context.rowAt(context.pixelsHigh() - 1 - fromBottom);
-    for (int x = 0; x < width; ++x, in += Bitmap::kBytesPerPixel, out += Bitmap::kBytesPerPixel) {
-      const unsigned uncovered = 255 - in[Bitmap::kAlpha];
-      for (int c = 0; c < Bitmap::kBytesPerPixel; ++c) {
-        out[c] = static_cast<uint8_t>(in[c] + PremultiplySample(out[c], uncovered));
-      }
+// Clears the context and draws the content into (0, 0, width, height): the
+// canvas picture unscaled at the origin, or the image stretched to its point
+// size (which differs from its pixel size when it carries a resolution).
+void DrawContent(const std::shared_ptr<Bitmap>& context, const PreviewSource& source) {
+  BitmapFocus focus(context);
+  GraphicsContext& gc = focus.context();
+  gc.saveGraphicsState();
+  const Rect bounds = MakeRect(0, 0, source.contentSize.width, source.contentSize.height);
+  gc.setFillColor(Color::clearColor());
+  gc.fillRect(bounds, CompositingOperation::Copy);
+  if (source.canvas) {
+    if (std::shared_ptr<Bitmap> picture = source.canvas->image()) {
+      gc.drawBitmap(*picture, bounds, ZeroRect(), CompositingOperation::SourceOver, 1.0);
     }
+  } else if (source.image) {
+    gc.drawBitmap(*source.image, bounds, ZeroRect(), CompositingOperation::SourceOver, 1.0);
   }
-}
-
-// A plain image is drawn into the rectangle of its point size: when that
-// differs from its pixel size (a resolution other than 72 dpi), it is resampled.
-void DrawImageInContext(Bitmap& context, const Bitmap& image) {
-  const int wide = static_cast<int>(image.size().width);
-  const int high = static_cast<int>(image.size().height);
-  if (wide == image.pixelsWide() && high == image.pixelsHigh()) {
-    DrawBitmapAtOrigin(context, image);
-    return;
-  }
-  if (auto resampled = ScaleBitmapByArea(image, wide, high)) DrawBitmapAtOrigin(context, *resampled);
+  gc.restoreGraphicsState();
 }
 
 }  // namespace
@@ -57,15 +45,7 @@ PreviewOutcome DrawPreviewSource(PreviewRequest& request, const PreviewSource& s
                         FormatNumber(source.contentSize.height) + " could be made";
     return outcome;
   }
-  // Every pixel of the context becomes fully transparent first.
-  context->clear();
-  if (source.canvas) {
-    if (std::shared_ptr<Bitmap> picture = source.canvas->image()) {
-      DrawBitmapAtOrigin(*context, *picture);
-    }
-  } else if (source.image) {
-    DrawImageInContext(*context, *source.image);
-  }
+  DrawContent(context, source);
   request.flushContext(context);
   outcome.drawn = true;
   return outcome;

@@ -69,8 +69,22 @@ class Archive:
                               "NSShadowBlurRadius": blur, "NSShadowColor": color})
 
     def bytes(self, top, fmt=plistlib.FMT_BINARY):
-        return plistlib.dumps({"$archiver": "NSKeyedArchiver", "$version": 100000,
-                               "$top": top, "$objects": self.objects}, fmt=fmt)
+        archive = {"$archiver": "NSKeyedArchiver", "$version": 100000,
+                   "$top": top, "$objects": self.objects}
+        if fmt == plistlib.FMT_XML:
+            archive = xml_form(archive)
+        return plistlib.dumps(archive, fmt=fmt)
+
+
+def xml_form(value):
+    """XML property lists hold each UID as a dictionary {"CF$UID": n}."""
+    if isinstance(value, UID):
+        return {"CF$UID": value.data}
+    if isinstance(value, list):
+        return [xml_form(item) for item in value]
+    if isinstance(value, dict):
+        return {key: xml_form(item) for key, item in value.items()}
+    return value
 
 
 DRAW = ("DrawBase", "NSObject")

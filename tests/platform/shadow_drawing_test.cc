@@ -156,6 +156,31 @@ TEST(ShadowDrawing, LayerCompositesWithTheAlphaAndShadowInForceAtItsBeginning) {
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 2, "layer_alpha_shadow"));
 }
 
+TEST(ShadowDrawing, LayerShadowIncludesTheShadowsDrawnInsideTheLayer) {
+  auto bitmap = Bitmap::create(40, 20);
+  {
+    BitmapFocus focus(bitmap);
+    GraphicsContext& gc = focus.context();
+    FillWhite(gc, 40, 20);
+    gc.setShadow(Shadow(Color::calibratedWhite(0, 0.5), {20, 0}, 0));
+    gc.beginTransparencyLayer();
+    gc.setShadow(Shadow(Color::blackColor(), {10, 0}, 0));
+    gc.setFillColor(Color::calibratedRGB(1, 0, 0, 1));
+    gc.fillRect(MakeRect(2, 8, 4, 4));
+    gc.endTransparencyLayer();
+  }
+  // The layer holds the red square and its black shadow 10 to the right; the
+  // layer's own shadow repeats both, 20 to the right, at half strength.
+  auto expected = MakeImage(40, 20, [](int x, int y) {
+    if (y < 8 || y >= 12) return Rgba8{255, 255, 255, 255};
+    if (x >= 2 && x < 6) return Rgba8{255, 0, 0, 255};
+    if (x >= 12 && x < 16) return Rgba8{0, 0, 0, 255};
+    if ((x >= 22 && x < 26) || (x >= 32 && x < 36)) return test::SourceOver(kBlack * 0.5, kWhite).toRgba8();
+    return Rgba8{255, 255, 255, 255};
+  });
+  EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 1, "layer_shadow_of_inner_shadow"));
+}
+
 // The inner-shadow sequence: a band of colour C at alpha a inside P along the
 // edges facing away from the offset, a·(1 − blur(P shifted)), nothing outside.
 TEST(ShadowDrawing, InnerShadowIdiomPaintsABandInsideOnTheSideAwayFromTheOffset) {

@@ -287,5 +287,20 @@ TEST(PreviewDrawing, LargerContextGetsTheContentAtItsLowerLeftCorner) {
   EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{0, 0, 0, 0}));
 }
 
+TEST(PreviewDrawing, ImageWithAResolutionIsDrawnAtItsPointSize) {
+  auto bitmap = Bitmap::create(4, 2);
+  for (int y = 0; y < 2; ++y)
+    for (int x = 0; x < 4; ++x) bitmap->setPixelAt(x, y, Rgba8{0, 200, 0, 255});
+  bitmap->setSizeWithDPI(144);
+  CountingRequest request;
+  ASSERT_TRUE(DrawPreviewSource(request, Read(*WriteTIFF(*bitmap))).drawn);
+  EXPECT_EQ(request.requestedSizes()[0], (Size{2, 1}));
+  const Bitmap& context = *request.flushedContext();
+  ASSERT_EQ(context.pixelsWide(), 2);
+  ASSERT_EQ(context.pixelsHigh(), 1);
+  EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{0, 200, 0, 255}));
+  EXPECT_EQ(context.pixelAt(1, 0), (Rgba8{0, 200, 0, 255}));
+}
+
 }  // namespace
 }  // namespace paintdoc

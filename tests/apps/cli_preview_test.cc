@@ -1,0 +1,144 @@
+// `paintdoc render` and `paintdoc thumbnail` as a user and a file manager run
+// them: output, exit status and the one-line diagnosis.
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+
+#include <filesystem>
+
+#include "app_fixtures.h"
+#include "program_runner.h"
+#include "support/test_paths.h"
+
+namespace paintdoc::test {
+namespace {
+
+const std::string kTool = AppPath("paintdoc");
+
+TEST(CliRender, WritesAnRgbaPngOfTheCanvasSize) {
+  const std::string input = WriteDocumentFile("render-input.paintdoc", {120, 80});
+  const std::string output = OutputPath("apps/render-output.png");
+  std::remove(output.c_str());
+  const ProgramResult result = RunProgram({kTool, "render", input, "-o", output});
+  EXPECT_EQ(result.exitStatus, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  const PngFacts png = ReadPngFacts(output);
+  ASSERT_TRUE(png.valid);
+  EXPECT_EQ(png.width, 120u);
+  EXPECT_EQ(png.height, 80u);
+  EXPECT_EQ(png.colorType, 6);
+}
+
+TEST(CliRender, PlainImageIsRenderedAtItsSize) {
+  const std::string input = WriteBytesFile("small-image.paintdoc", SmallPng());
+  const std::string output = OutputPath("apps/small-image.png");
+  ASSERT_EQ(RunProgram({kTool, "render", "-o", output, input}).exitStatus, 0);
+  const PngFacts png = ReadPngFacts(output);
+  EXPECT_EQ(png.width, 2u);
+  EXPECT_EQ(png.height, 1u);
+}
+
+TEST(CliRender, RefusedFilesExitWithOneLineAndNoOutput) {
+  struct Case {
+    std::string input;
+    std::string diagnosis;
+  };
+  const Case cases[] = {
+      {WriteVersionedDocumentFile("newer.paintdoc", 11),
+       "newer document version 11 (this build reads up to 10)"},
+      {WriteBytesFile("empty.paintdoc", {}), "empty file"},
+      {WriteBytesFile("text.paintdoc", {'h', 'i', '!', '\n'}),
+       "neither a paint document nor an image"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.input);
+    const std::string output = OutputPath("apps/refused.png");
+    std::remove(output.c_str());
+    const ProgramResult result = RunProgram({kTool, "render", c.input, "-o", output});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.err, "paintdoc: " + c.input + ": " + c.diagnosis + "\n");
+    EXPECT_FALSE(FileExists(output));
+  }
+  const ProgramResult missing =
+      RunProgram({kTool, "render", OutputPath("apps/absent.paintdoc"), "-o", "/dev/null"});
+  EXPECT_EQ(missing.exitStatus, 1);
+  EXPECT_EQ(Lines(missing.err).size(), 1u);
+  EXPECT_NE(missing.err.find("No such file"), std::string::npos);
+}
+
+TEST(CliRender, UnwritableOutputExitsWithThree) {
+  const std::string input = WriteDocumentFile("unwritable.paintdoc", {4, 4});
+  const ProgramResult result =
+      RunProgram({kTool, "render", input, "-o", "/nonexistent-directory/out.png"});
+  EXPECT_EQ(result.exitStatus, 3);
+  EXPECT_EQ(Lines(result.err).size(), 1u);
+}
+
+TEST(CliRender, ZeroSizedCanvasHasNothingToWrite) {
+  const std::string input = WriteDocumentFile("zero.paintdoc", {0, 0});
+  const ProgramResult result = RunProgram({kTool, "render", input, "-o", OutputPath("apps/zero.png")});
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_NE(result.err.find("0 x 0"), std::string::npos);
+}
+
+TEST(CliThumbnail, FitsIntoTheSquareAndRecordsTheSourceSize) {
+  const std::string input = WriteDocumentFile("thumb.paintdoc", {640, 480});
+  const std::string output = OutputPath("apps/thumb.png");
+  ASSERT_EQ(RunProgram({kTool, "thumbnail", input, output, "-s", "64"}).exitStatus, 0);
+  const PngFacts png = ReadPngFacts(output);
+  EXPECT_EQ(png.width, 64u);
+  EXPECT_EQ(png.height, 48u);
+  EXPECT_EQ(png.colorType, 6);
+  EXPECT_EQ(png.text.at("Thumb::Image::Width"), "640");
+  EXPECT_EQ(png.text.at("Thumb::Image::Height"), "480");
+}
+
+TEST(CliThumbnail, DefaultSizeIs256AndSmallContentIsNotEnlarged) {
+  const std::string large = WriteDocumentFile("thumb-large.paintdoc", {300, 1000});
+  const std::string output = OutputPath("apps/thumb-default.png");
+  ASSERT_EQ(RunProgram({kTool, "thumbnail", large, output}).exitStatus, 0);
+  EXPECT_EQ(ReadPngFacts(output).height, 256u);
+  EXPECT_EQ(ReadPngFacts(output).width, 77u);  // 300 × 256 / 1000, rounded
+  const std::string small = WriteDocumentFile("thumb-small.paintdoc", {40, 30});
+  ASSERT_EQ(RunProgram({kTool, "thumbnail", small, output, "-s", "512"}).exitStatus, 0);
+  EXPECT_EQ(ReadPngFacts(output).width, 40u);
+  EXPECT_EQ(ReadPngFacts(output).height, 30u);
+}
+
+TEST(CliThumbnail, WrongSizesAreUsageErrors) {
+  const std::string input = WriteDocumentFile("thumb-usage.paintdoc", {10, 10});
+  for (const char* size : {"0", "-5", "abc", "99999"}) {
+    EXPECT_EQ(RunProgram({kTool, "thumbnail", input, OutputPath("apps/u.png"), "-s", size}).exitStatus,
+              2)
+        << size;
+  }
+  EXPECT_EQ(RunProgram({kTool, "thumbnail", input}).exitStatus, 2);
+}
+
+// GNOME runs thumbnailers with no home directory, the input under /tmp, the
+// working directory at / and a private /tmp that must hold only the output.
+TEST(CliThumbnail, WorksWithTheThumbnailerSandboxsEnvironment) {
+  const std::filesystem::path sandbox = std::filesystem::temp_directory_path() /
+                                        ("paintdoc-sandbox-" + std::to_string(getpid()));
+  std::filesystem::remove_all(sandbox);
+  std::filesystem::create_directories(sandbox);
+  const std::string input = (sandbox / "gnome-desktop-file-to-thumbnail.paintdoc").string();
+  std::filesystem::copy_file(WriteDocumentFile("sandboxed.paintdoc", {200, 100}), input);
+  const std::string output = (sandbox / "gnome-desktop-thumbnailer.png").string();
+  RunOptions options;
+  options.clearEnvironment = true;
+  options.environment = {"GIO_USE_VFS=local"};
+  options.workingDirectory = "/";
+  const ProgramResult result =
+      RunProgram({kTool, "thumbnail", input, output, "-s", "128"}, options);
+  EXPECT_EQ(result.exitStatus, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(ReadPngFacts(output).width, 128u);
+  size_t entries = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(sandbox)) ++entries;
+  EXPECT_EQ(entries, 2u);  // the input and the output, nothing else
+  std::filesystem::remove_all(sandbox);
+}
+
+}  // namespace
+}  // namespace paintdoc::test

@@ -1,0 +1,8 @@
+# The tool tests run the built programs and load the preview plug-in. The test
+# program defines the plug-in registration functions (through the library's
+# host registry) and exports them so that the loaded plug-in calls them.
+add_dependencies(test_apps paintdoc-cli paintdoc-preview paintdoc-examples)
+set_target_properties(test_apps PROPERTIES ENABLE_EXPORTS ON)
+target_compile_definitions(test_apps PRIVATE
+  PAINTDOC_APPS_DIR="$<TARGET_FILE_DIR:paintdoc-cli>"
+  PAINTDOC_PLUGIN_PATH="$<TARGET_FILE:paintdoc-preview>")

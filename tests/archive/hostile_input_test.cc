@@ -1,0 +1,412 @@
+// Malformed and hostile property lists and archives: each gives a clear error
+// (or reads as absent with a warning), never a crash, a hang or an allocation
+// the file's size does not justify. The files are built byte by byte here, not
+// with the library's writer.
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "archive/archive_test_support.h"
+#include "archive/keyed_unarchiver.h"
+#include "archive/property_list.h"
+#include "platform/log.h"
+
+namespace paintdoc {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+void Append(Bytes& out, uint64_t value, unsigned size) {
+  for (unsigned i = size; i-- > 0;) {
+    out.push_back(i < 8 ? static_cast<uint8_t>(value >> (8 * i)) : 0);
+  }
+}
+
+// A binary property list from raw object bytes, with every trailer field
+// open to tampering.
+struct RawPlist {
+  std::vector<Bytes> objects;
+  unsigned offsetSize = 4;
+  unsigned refSize = 4;
+  uint64_t top = 0;
+  std::optional<uint64_t> countOverride;
+  std::optional<uint64_t> tableOverride;
+  std::vector<std::pair<size_t, uint64_t>> offsetOverrides;
+
+  Bytes build() const {
+    Bytes out = {'b', 'p', 'l', 'i', 's', 't', '0', '0'};
+    std::vector<uint64_t> offsets;
+    for (const Bytes& o : objects) {
+      offsets.push_back(out.size());
+      out.insert(out.end(), o.begin(), o.end());
+    }
+    for (auto [index, offset] : offsetOverrides) offsets[index] = offset;
+    const uint64_t table = out.size();
+    for (uint64_t offset : offsets) Append(out, offset, offsetSize);
+    out.insert(out.end(), 6, 0);
+    out.push_back(static_cast<uint8_t>(offsetSize));
+    out.push_back(static_cast<uint8_t>(refSize));
+    Append(out, countOverride.value_or(objects.size()), 8);
+    Append(out, top, 8);
+    Append(out, tableOverride.value_or(table), 8);
+    return out;
+  }
+};
+
+// A container marker with a count, then 4-byte references.
+Bytes Container(uint8_t type, std::vector<uint64_t> refs, std::optional<uint64_t> count = {}) {
+  Bytes o;
+  const uint64_t n = count.value_or(type == 0xD ? refs.size() / 2 : refs.size());
+  if (n < 15) {
+    o.push_back(static_cast<uint8_t>(type << 4 | n));
+  } else {
+    o.push_back(static_cast<uint8_t>(type << 4 | 0xF));
+    o.push_back(0x13);
+    Append(o, n, 8);
+  }
+  for (uint64_t r : refs) Append(o, r, 4);
+  return o;
+}
+
+std::string ReadError(const Bytes& bytes, ArchiveLimits limits = {}) {
+  std::string error;
+  auto plist = PropertyList::read(SharedBytes(Bytes(bytes)), limits, &error);
+  EXPECT_FALSE(plist) << "read a malformed file";
+  return error;
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+TEST(HostilePlist, TrailerFieldsAreChecked) {
+  RawPlist p;
+  p.objects = {{0x10, 1}};
+  EXPECT_TRUE(PropertyList::read(SharedBytes(p.build()), {}, nullptr));
+
+  RawPlist badOffsetSize = p;
+  badOffsetSize.offsetSize = 9;
+  EXPECT_TRUE(Contains(ReadError(badOffsetSize.build()), "offset size 9"));
+  RawPlist badRefSize = p;
+  badRefSize.refSize = 0;
+  EXPECT_TRUE(Contains(ReadError(badRefSize.build()), "reference size 0"));
+  RawPlist none = p;
+  none.countOverride = 0;
+  EXPECT_TRUE(Contains(ReadError(none.build()), "no objects"));
+  RawPlist huge = p;
+  huge.countOverride = uint64_t{1} << 40;
+  EXPECT_TRUE(Contains(ReadError(huge.build()), "exceed the limit"));
+  RawPlist many = p;
+  many.countOverride = 1000;  // an offset table of 4000 bytes in a 50-byte file
+  EXPECT_TRUE(Contains(ReadError(many.build()), "does not fit in the file"));
+  RawPlist topPast = p;
+  topPast.top = 1;
+  EXPECT_TRUE(Contains(ReadError(topPast.build()), "top object 1 is not among"));
+  RawPlist tablePast = p;
+  tablePast.tableOverride = uint64_t{1} << 62;
+  EXPECT_TRUE(Contains(ReadError(tablePast.build()), "does not fit in the file"));
+  RawPlist narrowRefs = p;
+  narrowRefs.refSize = 1;
+  narrowRefs.countOverride = 300;
+  narrowRefs.offsetSize = 1;
+  EXPECT_FALSE(ReadError(narrowRefs.build()).empty());
+
+  EXPECT_TRUE(Contains(ReadError(Bytes{'b', 'p', 'l', 'i', 's', 't', '0', '0'}), "too short"));
+  Bytes wrongMagic = p.build();
+  wrongMagic[0] = 'x';
+  EXPECT_FALSE(PropertyList::readBinary(SharedBytes(wrongMagic), {}, nullptr));
+}
+
+TEST(HostilePlist, OffsetsCountsAndLengthsPastTheEnd) {
+  RawPlist offsetPast;
+  offsetPast.objects = {{0x10, 1}};
+  offsetPast.offsetOverrides = {{0, 100000}};
+  EXPECT_TRUE(Contains(ReadError(offsetPast.build()), "offset lies outside the object area"));
+
+  // An array header announcing 2^31 elements in a file of a few dozen bytes:
+  // refused before anything is allocated for it.
+  RawPlist bigArray;
+  bigArray.objects = {Container(0xA, {0, 0}, uint64_t{1} << 31)};
+  EXPECT_TRUE(Contains(ReadError(bigArray.build()), "array of 2147483648 entries runs past"));
+
+  RawPlist bigDictionary;
+  bigDictionary.objects = {Container(0xD, {}, uint64_t{1} << 40)};
+  EXPECT_TRUE(Contains(ReadError(bigDictionary.build()), "dictionary of 1099511627776 entries"));
+
+  Bytes hugeData = {0x4F, 0x13};
+  Append(hugeData, uint64_t{1} << 62, 8);
+  RawPlist data;
+  data.objects = {hugeData};
+  EXPECT_TRUE(Contains(ReadError(data.build()), "data of 4611686018427387904 bytes runs past"));
+
+  // UTF-16 counts are units: twice the bytes, without overflow.
+  Bytes hugeString = {0x6F, 0x13};
+  Append(hugeString, (uint64_t{1} << 63) - 1, 8);
+  RawPlist string;
+  string.objects = {hugeString};
+  EXPECT_TRUE(Contains(ReadError(string.build()), "UTF-16 units runs past"));
+
+  Bytes negativeCount = {0x5F, 0x13};
+  Append(negativeCount, ~uint64_t{0}, 8);
+  RawPlist negative;
+  negative.objects = {negativeCount};
+  EXPECT_TRUE(Contains(ReadError(negative.build()), "negative count"));
+
+  RawPlist badRef;
+  badRef.objects = {Container(0xA, {7})};
+  EXPECT_TRUE(Contains(ReadError(badRef.build()), "reference 7 is not among the 1 objects"));
+
+  RawPlist unknown;
+  unknown.objects = {{0x70}};
+  EXPECT_TRUE(Contains(ReadError(unknown.build()), "unknown marker 0x70"));
+  RawPlist badInt;
+  badInt.objects = {{0x15, 0, 0}};
+  EXPECT_TRUE(Contains(ReadError(badInt.build()), "integer of unsupported size"));
+  RawPlist shortReal;
+  shortReal.objects = {{0x23, 0, 0}};
+  EXPECT_TRUE(Contains(ReadError(shortReal.build()), "real runs past"));
+  Bytes wide = {0x14};
+  Append(wide, 5, 8);
+  Append(wide, 0, 8);
+  RawPlist wideInt;
+  wideInt.objects = {wide};
+  EXPECT_TRUE(Contains(ReadError(wideInt.build()), "beyond 64 bits"));
+}
+
+TEST(HostilePlist, ReferenceCyclesAreRefused) {
+  RawPlist self;
+  self.objects = {Container(0xA, {0})};
+  EXPECT_TRUE(Contains(ReadError(self.build()), "object 0 contains itself"));
+
+  RawPlist loop;  // dictionary → array → dictionary
+  loop.objects = {Container(0xD, {2, 1}), Container(0xA, {0}), {0x51, 'k'}};
+  EXPECT_TRUE(Contains(ReadError(loop.build()), "contains itself"));
+
+  // Shared but acyclic is fine: one array referenced twice.
+  RawPlist shared;
+  shared.objects = {Container(0xA, {1, 1}), Container(0xA, {2}), {0x09}};
+  EXPECT_TRUE(PropertyList::read(SharedBytes(shared.build()), {}, nullptr));
+}
+
+TEST(HostilePlist, DeepNestingIsBounded) {
+  constexpr uint64_t kDepth = 100000;
+  RawPlist deep;
+  for (uint64_t i = 0; i + 1 < kDepth; ++i) deep.objects.push_back(Container(0xA, {i + 1}));
+  deep.objects.push_back({0x09});
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(Contains(ReadError(deep.build()), "nest deeper than 512"));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+
+  // The same depth as XML text.
+  std::string xml = "<plist>";
+  for (uint64_t i = 0; i < kDepth; ++i) xml += "<array>";
+  const Bytes text(xml.begin(), xml.end());
+  EXPECT_TRUE(Contains(ReadError(text), "nest deeper than 512"));
+
+  // A lower limit is honoured.
+  RawPlist three;
+  three.objects = {Container(0xA, {1}), Container(0xA, {2}), Container(0xA, {})};
+  ArchiveLimits tight;
+  tight.maxDepth = 2;
+  EXPECT_FALSE(ReadError(three.build(), tight).empty());
+  tight.maxDepth = 3;
+  EXPECT_TRUE(PropertyList::read(SharedBytes(three.build()), tight, nullptr));
+}
+
+TEST(HostilePlist, OverlappingObjectsCannotMultiplyTheTable) {
+  // 20,000 offset entries all pointing at one array of 20,000 references
+  // would make 400 million table entries; the reader refuses the overlap.
+  RawPlist overlap;
+  std::vector<uint64_t> refs(20000, 1);
+  overlap.objects = {Container(0xA, refs), {0x09}};
+  for (size_t i = 2; i < 20000; ++i) overlap.objects.push_back({});
+  for (size_t i = 2; i < 20000; ++i) overlap.offsetOverrides.push_back({i, 8});
+  EXPECT_TRUE(Contains(ReadError(overlap.build()), "objects overlap"));
+}
+
+TEST(HostilePlist, MalformedXml) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"<plist><dict><key>a</key>", "unexpected end"},
+      {"<plist><string>a</plist>", "not closed by its own tag"},
+      {"<plist><frob/></plist>", "unknown element <frob>"},
+      {"<plist><integer>12x</integer></plist>", "bad integer"},
+      {"<plist><integer>-99999999999999999999</integer></plist>", "bad integer"},
+      {"<plist><real>1.2.3</real></plist>", "bad real"},
+      {"<plist><data>ab!d</data></plist>", "bad base64"},
+      {"<plist><date>yesterday</date></plist>", "bad date"},
+      {"<plist><string>&bogus;</string></plist>", "unknown entity"},
+      {"<plist><string>&#xD800;</string></plist>", "bad character reference"},
+      {"<plist><dict><string>v</string></dict></plist>", "without a <key>"},
+      {"<plist><true/><true/></plist>", "more than one value"},
+      {"hello", "text outside an element"},
+      {"<plist><dict><key>CF$UID</key><integer>-1</integer></dict></plist>", "negative CF$UID"},
+      {"<!-- never closed", "unterminated markup"},
+  };
+  for (const auto& [xml, message] : cases) {
+    const std::string text = xml;
+    const std::string error = ReadError(Bytes(text.begin(), text.end()));
+    EXPECT_TRUE(Contains(error, message)) << xml << " → " << error;
+  }
+  ArchiveLimits few;
+  few.maxObjects = 3;
+  const std::string many = "<plist><array><true/><true/><true/><true/></array></plist>";
+  EXPECT_TRUE(Contains(ReadError(Bytes(many.begin(), many.end()), few), "more than 3 objects"));
+}
+
+// --- archives
+
+Bytes Uid(uint64_t uid) {
+  return {0x83, static_cast<uint8_t>(uid >> 24), static_cast<uint8_t>(uid >> 16),
+          static_cast<uint8_t>(uid >> 8), static_cast<uint8_t>(uid)};
+}
+
+// Objects 0–8 of a keyed archive: the root dictionary and its four keys,
+// the version, the archiver's name, the top dictionary {@9: @10} and the
+// "$objects" array of `entries`.
+std::vector<Bytes> ArchiveHead(const std::vector<uint64_t>& entries) {
+  return {
+      Container(0xD, {1, 2, 3, 4, 5, 6, 7, 8}),
+      {0x58, '$', 'v', 'e', 'r', 's', 'i', 'o', 'n'},
+      {0x59, '$', 'a', 'r', 'c', 'h', 'i', 'v', 'e', 'r'},
+      {0x54, '$', 't', 'o', 'p'},
+      {0x58, '$', 'o', 'b', 'j', 'e', 'c', 't', 's'},
+      {0x12, 0x00, 0x01, 0x86, 0xA0},
+      {0x5F, 0x10, 15, 'N', 'S', 'K', 'e', 'y', 'e', 'd', 'A', 'r', 'c', 'h', 'i', 'v', 'e', 'r'},
+      Container(0xD, {9, 10}),
+      Container(0xA, entries),
+  };
+}
+
+// A keyed archive around raw "$objects" entries (references are UIDs).
+Bytes Archive(const std::vector<Bytes>& entries, const Bytes& topKey, uint64_t topUid) {
+  // Objects: 0 root dict, 1..4 its keys, 5 version, 6 archiver name,
+  // 7 top dict, 8 objects array, 9 top key, 10 top UID, then the entries.
+  RawPlist p;
+  const uint64_t first = 11;
+  std::vector<uint64_t> entryRefs;
+  for (size_t i = 0; i < entries.size(); ++i) entryRefs.push_back(first + i);
+  p.objects = ArchiveHead(entryRefs);
+  p.objects.insert(p.objects.end(), {
+      topKey,
+      Uid(topUid),
+  });
+  p.objects.insert(p.objects.end(), entries.begin(), entries.end());
+  return p.build();
+}
+
+TEST(HostileArchive, ReferencesPastTheObjectsReadAsNil) {
+  LogCapture log;
+  const Bytes root = {0x54, 'r', 'o', 'o', 't'};
+  KeyedUnarchiver coder{SharedBytes(Archive({{0x55, '$', 'n', 'u', 'l', 'l'}}, root, 99))};
+  ASSERT_TRUE(coder.isValid()) << coder.error();
+  EXPECT_TRUE(coder.containsValueForKey("root"));
+  EXPECT_FALSE(coder.decodeObjectForKey("root"));
+  EXPECT_TRUE(log.contains("points past the archive's objects"));
+}
+
+// "$objects" entries of a chain of TestNodes, each the partner of the one
+// before it: entry 1 is the class, entries 2.. the nodes; each node's
+// dictionary is {"$class": @1, "Partner": @next}. The keys live in the plist
+// objects after all entries, so this builds the whole file itself.
+Bytes NodeChain(uint64_t length) {
+  RawPlist p;
+  // Fixed objects: 0 root, 1-4 root keys, 5 version, 6 archiver, 7 top, 8
+  // objects array, 9 "root", 10 UID 2, 11 "$class", 12 "Partner", 13 class
+  // description, 14 "$classname", 15 "$classes", 16 "TestNode", 17 classes
+  // array, 18 "$null", 19 UID 1; then per node: its dictionary and the UID
+  // of the next node.
+  const uint64_t base = 20;
+  std::vector<uint64_t> entryRefs = {18, 13};
+  for (uint64_t i = 0; i < length; ++i) entryRefs.push_back(base + 2 * i);
+  p.objects = ArchiveHead(entryRefs);
+  p.objects.insert(p.objects.end(), {
+      {0x54, 'r', 'o', 'o', 't'},
+      Uid(2),
+      {0x56, '$', 'c', 'l', 'a', 's', 's'},
+      {0x57, 'P', 'a', 'r', 't', 'n', 'e', 'r'},
+      Container(0xD, {14, 15, 16, 17}),
+      {0x5A, '$', 'c', 'l', 'a', 's', 's', 'n', 'a', 'm', 'e'},
+      {0x58, '$', 'c', 'l', 'a', 's', 's', 'e', 's'},
+      {0x58, 'T', 'e', 's', 't', 'N', 'o', 'd', 'e'},
+      Container(0xA, {16}),
+      {0x55, '$', 'n', 'u', 'l', 'l'},
+      Uid(1),
+  });
+  for (uint64_t i = 0; i < length; ++i) {
+    const uint64_t next = base + 2 * i + 1;
+    p.objects.push_back(Container(0xD, {11, 12, 19, next}));
+    p.objects.push_back(Uid(i + 1 < length ? i + 3 : 0));
+  }
+  return p.build();
+}
+
+TEST(HostileArchive, ObjectNestingIsBounded) {
+  test::RegisterTestClasses();
+  // A short chain decodes whole.
+  {
+    KeyedUnarchiver coder{SharedBytes(NodeChain(10))};
+    ASSERT_TRUE(coder.isValid()) << coder.error();
+    auto node = coder.decodeObjectForKey<test::TestNode>("root");
+    int length = 0;
+    for (; node; node = node->partner) ++length;
+    EXPECT_EQ(length, 10);
+  }
+  // 100,000 objects each inside the next: stopped at the depth limit with an
+  // error, not a stack overflow.
+  LogCapture log;
+  KeyedUnarchiver coder{SharedBytes(NodeChain(100000))};
+  ASSERT_TRUE(coder.isValid()) << coder.error();
+  coder.decodeObjectForKey("root");
+  EXPECT_FALSE(coder.isValid());
+  EXPECT_TRUE(Contains(coder.error(), "objects nest deeper than 512")) << coder.error();
+}
+
+TEST(HostileArchive, SharedContainersCannotMultiplyTheWork) {
+  // 60 NSArray-like plain arrays, each holding the next one twice: decoding
+  // naively would visit 2^60 nodes. The work budget stops it quickly.
+  RawPlist p;
+  constexpr uint64_t kLevels = 60;
+  p.objects = ArchiveHead({9});
+  p.objects.push_back({0x54, 'r', 'o', 'o', 't'});
+  for (uint64_t i = 0; i < kLevels; ++i) {
+    const uint64_t self = 10 + i;
+    p.objects.push_back(i + 1 < kLevels ? Container(0xA, {self + 1, self + 1}) : Bytes{0x09});
+  }
+  LogCapture log;
+  KeyedUnarchiver coder{SharedBytes(p.build())};
+  ASSERT_TRUE(coder.isValid()) << coder.error();
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(coder.decodeValueForKey("root").isAbsent() || !coder.isValid());
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_FALSE(coder.isValid());
+  EXPECT_TRUE(Contains(coder.error(), "work limit")) << coder.error();
+}
+
+TEST(HostileArchive, EveryTruncationAndByteFlipOfAFixtureIsSafe) {
+  test::RegisterTestClasses();
+  LogCapture quiet;
+  for (const char* name : {"text.plist", "graphics.plist", "objects.plist"}) {
+    const Bytes original = test::ArchiveFixture(name).copy();
+    auto exercise = [](const Bytes& bytes) {
+      KeyedUnarchiver coder{SharedBytes(Bytes(bytes))};
+      if (!coder.isValid()) {
+        EXPECT_FALSE(coder.error().empty());
+        return;
+      }
+      for (const std::string& key : coder.allKeys()) coder.decodeValueForKey(key);
+    };
+    for (size_t length = 0; length < original.size(); length += 7) {
+      exercise(Bytes(original.begin(), original.begin() + static_cast<std::ptrdiff_t>(length)));
+    }
+    // One change a byte, cycling through a low bit, the high bit and all bits.
+    const uint8_t flips[] = {0x01, 0x80, 0xFF};
+    for (size_t i = 0; i < original.size(); ++i) {
+      Bytes changed = original;
+      changed[i] ^= flips[i % 3];
+      exercise(changed);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace paintdoc

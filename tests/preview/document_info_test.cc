@@ -1,0 +1,86 @@
+// The layer description's JSON and text forms on values that are awkward in
+// JSON: quotes and control characters in titles, non-finite numbers, nesting.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "preview/document_info.h"
+
+namespace paintdoc {
+namespace {
+
+DocumentInfo OneLayer(LayerInfo layer) {
+  DocumentInfo info;
+  info.isDocument = true;
+  info.version = 7;
+  info.size = {10, 20};
+  info.layers.push_back(std::move(layer));
+  return info;
+}
+
+TEST(DocumentInfoJson, TitlesAreEscapedAndNonFiniteNumbersAreNull) {
+  LayerInfo layer;
+  layer.className = "DrawLine";
+  layer.title = "say \"hi\"\\\n\t\x01";
+  layer.rotation = std::nan("");
+  layer.bounds = MakeRect(0.5, -1, INFINITY, 2);
+  EXPECT_EQ(FormatDocumentInfoJson(OneLayer(layer)),
+            "{\"kind\":\"document\",\"version\":7,\"width\":10,\"height\":20,"
+            "\"hasBackground\":false,\"maskWithBackground\":false,\"layers\":["
+            "{\"class\":\"DrawLine\",\"title\":\"say \\\"hi\\\"\\\\\\n\\t\\u0001\","
+            "\"visible\":false,\"locked\":false,\"rotation\":null,\"bounds\":[0.5,-1,null,2]}]}\n");
+}
+
+TEST(DocumentInfoJson, OnlyGroupsCarryMemberLayers) {
+  LayerInfo member;
+  member.className = "DrawEllipse";
+  member.title = "m";
+  member.visible = true;
+  LayerInfo group;
+  group.className = "DrawGroup";
+  group.title = "g";
+  group.isGroup = true;
+  LayerInfo emptyGroup = group;
+  group.members.push_back(member);
+  DocumentInfo info = OneLayer(group);
+  info.layers.push_back(emptyGroup);
+  const std::string json = FormatDocumentInfoJson(info);
+  EXPECT_NE(json.find("\"title\":\"g\",\"visible\":false,\"locked\":false,\"rotation\":0,"
+                      "\"bounds\":[0,0,0,0],\"layers\":[{\"class\":\"DrawEllipse\""),
+            std::string::npos);
+  EXPECT_NE(json.find("\"bounds\":[0,0,0,0],\"layers\":[]}"), std::string::npos);
+  // The member itself has no "layers" key.
+  EXPECT_NE(json.find("\"title\":\"m\",\"visible\":true,\"locked\":false,\"rotation\":0,"
+                      "\"bounds\":[0,0,0,0]}"),
+            std::string::npos);
+}
+
+TEST(DocumentInfoText, IndentsMembersAndRoundsToSixDigits) {
+  LayerInfo member;
+  member.className = "DrawEllipse";
+  member.title = "m";
+  member.visible = true;
+  member.bounds = MakeRect(339.99999618530273, 0, 240, 1.0 / 3.0);
+  LayerInfo group;
+  group.className = "DrawGroup";
+  group.title = "g";
+  group.locked = true;
+  group.isGroup = true;
+  group.members.push_back(member);
+  EXPECT_EQ(FormatDocumentInfoText(OneLayer(group)),
+            "document version 7, canvas 10 x 20\n"
+            "background: no, mask with background: no\n"
+            "1 layers, bottom first:\n"
+            "  DrawGroup \"g\" hidden locked rotation 0 bounds {{0, 0}, {0, 0}} (1 members)\n"
+            "    DrawEllipse \"m\" visible rotation 0 bounds {{340, 0}, {240, 0.333333}}\n");
+}
+
+TEST(DocumentInfoText, ImageIsOneLine) {
+  DocumentInfo image;
+  image.size = {300, 200};
+  EXPECT_EQ(FormatDocumentInfoText(image), "image 300 x 200\n");
+  EXPECT_EQ(FormatDocumentInfoJson(image), "{\"kind\":\"image\",\"width\":300,\"height\":200}\n");
+}
+
+}  // namespace
+}  // namespace paintdoc
