@@ -1,3 +1,4 @@
+#include "geometry/exact_float_arithmetic.h"
 #include "geometry/arrow_path.h"
 
 #include <cmath>

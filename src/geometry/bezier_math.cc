@@ -1,13 +1,9 @@
+#include "geometry/exact_float_arithmetic.h"
 #include "geometry/bezier_math.h"
 
 #include <cmath>
 #include <limits>
 #include <vector>
-
-// Results must not depend on the compiler fusing multiplies and adds.
-#ifdef __clang__
-#pragma clang fp contract(off)
-#endif
 
 namespace paintdoc {
 namespace {
@@ -53,14 +49,17 @@ const std::vector<CubicWeights>& SampleWeights() {
 struct SingleCurve {
   float x0, x1, x2, x3, y0, y1, y2, y3;
 
+  const CubicWeights* weights;
+
   SingleCurve(const Point& start, const Point& control1, const Point& control2,
               const Point& end)
       : x0(float(start.x)), x1(float(control1.x)), x2(float(control2.x)), x3(float(end.x)),
-        y0(float(start.y)), y1(float(control1.y)), y2(float(control2.y)), y3(float(end.y)) {}
+        y0(float(start.y)), y1(float(control1.y)), y2(float(control2.y)), y3(float(end.y)),
+        weights(SampleWeights().data()) {}
 
   // The same value as CubicBezierPoint(SampleParameter(step), ...).
   Point sample(uint64_t step) const {
-    const CubicWeights& w = SampleWeights()[step];
+    const CubicWeights& w = weights[step];
     return {w.apply(x0, x1, x2, x3), w.apply(y0, y1, y2, y3)};
   }
 };
@@ -132,23 +131,24 @@ double CubicBezierLengthTarget(const Point& start, const Point& control1,
     if (firstStep > kCubicBezierSampleSteps) return length;
   }
 
+  // The first sample only sets where the walk continues from.
   const SingleCurve curve(start, control1, control2, end);
-  Point previous;
-  for (uint64_t step = firstStep; step <= kCubicBezierSampleSteps; ++step) {
-    const Point sample = curve.sample(step);
-    if (step > firstStep) length += PointDistanceFromPoint(previous, sample);
-    previous = sample;
-    if (target <= length) {
-      // Only a search that got further than the record moves it forward.
-      if (details != nullptr && details->curveStep < step) {
-        details->curveStep = step;
-        details->curveLength = length;
-        details->curvePoint = sample;
-      }
-      return -1.0;
-    }
+  uint64_t step = firstStep;
+  Point sample = curve.sample(step);
+  // Written so that a target that is not a number is never reached.
+  while (!(target <= length)) {
+    if (++step > kCubicBezierSampleSteps) return length;  // the target lies beyond
+    const Point previous = sample;
+    sample = curve.sample(step);
+    length += PointDistanceFromPoint(previous, sample);
   }
-  return length;
+  // Only a search that got further than the record moves it forward.
+  if (details != nullptr && details->curveStep < step) {
+    details->curveStep = step;
+    details->curveLength = length;
+    details->curvePoint = sample;
+  }
+  return -1.0;
 }
 
 Point InterpolateLineSegment(const Point& a, const Point& b, double t, Point* delta) {

@@ -1,11 +1,7 @@
+#include "geometry/exact_float_arithmetic.h"
 #include "geometry/ellipse_point.h"
 
 #include <cmath>
-
-// Results must not depend on the compiler fusing multiplies and adds.
-#ifdef __clang__
-#pragma clang fp contract(off)
-#endif
 
 namespace paintdoc {
 namespace {

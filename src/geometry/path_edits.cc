@@ -1,3 +1,4 @@
+#include "geometry/exact_float_arithmetic.h"
 #include "geometry/path_edits.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+#include "geometry/exact_float_arithmetic.h"
 #include "geometry/rotation.h"
 
 #include "platform/affine_transform.h"

@@ -11,6 +11,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/bitmap.h"
@@ -59,6 +60,11 @@ struct PngWriteOptions {
   // zlib level 0 (none) to 9 (smallest). The default favours speed: previews
   // are written once and read once.
   int compressionLevel = 1;
+  // Keep the alpha channel even when every pixel is opaque (thumbnails
+  // are expected to carry full alpha).
+  bool keepAlphaChannel = false;
+  // tEXt entries (keyword, Latin-1 text) written before the pixels.
+  std::vector<std::pair<std::string, std::string>> textEntries;
 };
 
 // PNG bytes of the bitmap (straight alpha; RGB without alpha when every pixel

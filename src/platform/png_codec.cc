@@ -137,6 +137,7 @@ struct PngWriteState : PngSession {
   const Bitmap* bitmap = nullptr;
   int compressionLevel = 1;
   bool opaque = false;
+  std::vector<png_text> texts;  // pointing into the caller's options
   std::vector<uint8_t> output;
   std::vector<uint8_t> rowBuffer;
 };
@@ -189,6 +190,9 @@ bool EncodePng(PngWriteState* state) {
                  static_cast<png_uint_32>(bitmap.pixelsHigh() / (points.height * metresPerPoint) + 0.5),
                  PNG_RESOLUTION_METER);
   }
+  if (!state->texts.empty()) {
+    png_set_text(state->png, state->info, state->texts.data(), static_cast<int>(state->texts.size()));
+  }
   png_write_info(state->png, state->info);
   for (int row = 0; row < bitmap.pixelsHigh(); ++row) png_write_row(state->png, PngRow(state, row));
   png_write_end(state->png, state->info);
@@ -208,7 +212,15 @@ std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWrit
   state.compressionLevel = options.compressionLevel < 0   ? 0
                            : options.compressionLevel > 9 ? 9
                                                           : options.compressionLevel;
-  state.opaque = IsOpaque(bitmap);
+  state.opaque = !options.keepAlphaChannel && IsOpaque(bitmap);
+  for (const auto& [keyword, text] : options.textEntries) {
+    png_text entry{};
+    entry.compression = PNG_TEXT_COMPRESSION_NONE;
+    entry.key = const_cast<char*>(keyword.c_str());
+    entry.text = const_cast<char*>(text.c_str());
+    entry.text_length = text.size();
+    state.texts.push_back(entry);
+  }
   state.rowBuffer.resize(bitmap.bytesPerRow());
   state.output.reserve(bitmap.byteCount() / 4 + 1024);
   state.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &state, OnPngError, OnPngWarning);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "fixture_file.h"
 
@@ -12,23 +13,13 @@ namespace {
 using test::FixtureFile;
 using test::PointAt;
 
-const FixtureFile& Fixtures() {
-  static const FixtureFile file("geometry/single_precision_fixtures.txt");
-  return file;
-}
+const FixtureFile& Fixtures() { return test::SinglePrecisionFixtures(); }
 
-// The S-shaped curve the fixture script uses.
-const Point kStart{10.0, 20.0}, kControl1{40.3, 95.7}, kControl2{120.1, -30.2},
-    kEnd{150.0, 60.0};
+constexpr Point kStart = test::kCurveStart, kControl1 = test::kCurveControl1,
+                kControl2 = test::kCurveControl2, kEnd = test::kCurveEnd;
 // A curve off the float grid.
 const Point kOddStart{0.1, 0.2}, kOddControl1{33.33333, 0.7}, kOddControl2{66.66667, 100.3},
     kOddEnd{99.9, 100.1};
-
-TEST(PointDistanceFromPoint, IsEuclidean) {
-  EXPECT_EQ(PointDistanceFromPoint({1, 2}, {4, 6}), 5.0);
-  EXPECT_EQ(PointDistanceFromPoint({4, 6}, {1, 2}), 5.0);
-  EXPECT_EQ(PointDistanceFromPoint({3, 3}, {3, 3}), 0.0);
-}
 
 TEST(CubicBezier, MatchesSinglePrecisionFormula) {
   for (const std::string& name : Fixtures().namesStartingWith("cubic_bezier_")) {
@@ -88,6 +79,9 @@ TEST(CubicBezierLengthTarget, ResumesAndOnlyMovesTheRecordForward) {
 TEST(CubicBezierLengthTarget, UnreachedTargetAnswersTheCurveLength) {
   const double length = CubicBezierLength(kStart, kControl1, kControl2, kEnd);
   EXPECT_EQ(CubicBezierLengthTarget(kStart, kControl1, kControl2, kEnd, nullptr, 1e9), length);
+  EXPECT_EQ(CubicBezierLengthTarget(kStart, kControl1, kControl2, kEnd, nullptr,
+                                    std::numeric_limits<double>::quiet_NaN()),
+            length);
   EXPECT_EQ(CubicBezierLengthTarget(kStart, kControl1, kControl2, kEnd, nullptr, length / 2),
             -1.0);
 }
@@ -100,13 +94,6 @@ TEST(CubicBezierLengthTarget, RecordPastTheLastStepAnswersItsLengthAtOnce) {
   // A target below the record's length starts over from the first sample.
   EXPECT_EQ(CubicBezierLengthTarget(kStart, kControl1, kControl2, kEnd, &record, 10), -1.0);
   EXPECT_EQ(record.curveStep, kCubicBezierSampleSteps + 1);
-}
-
-TEST(InterpolateLineSegment, InterpolatesAndReportsDelta) {
-  Point delta;
-  EXPECT_EQ(InterpolateLineSegment({1, 2}, {5, -2}, 0.25, &delta), (Point{2, 1}));
-  EXPECT_EQ(delta, (Point{4, -4}));
-  EXPECT_EQ(InterpolateLineSegment({1, 2}, {5, -2}, 1.5), (Point{7, -4}));
 }
 
 TEST(InterpolatePointFromElement, MoveLineAndClose) {

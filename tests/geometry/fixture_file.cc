@@ -54,4 +54,9 @@ Point PointAt(const std::vector<double>& values, size_t index) {
   return {values[index], values[index + 1]};
 }
 
+const FixtureFile& SinglePrecisionFixtures() {
+  static const FixtureFile file("geometry/single_precision_fixtures.txt");
+  return file;
+}
+
 }  // namespace paintdoc::test

@@ -28,4 +28,11 @@ class FixtureFile {
 // Two consecutive numbers of a case as a point.
 Point PointAt(const std::vector<double>& values, size_t index);
 
+// The cases of tests/data/geometry/single_precision_fixtures.txt, read once.
+const FixtureFile& SinglePrecisionFixtures();
+
+// The S-shaped curve most fixture cases use (start, controls, end).
+inline constexpr Point kCurveStart{10.0, 20.0}, kCurveControl1{40.3, 95.7},
+    kCurveControl2{120.1, -30.2}, kCurveEnd{150.0, 60.0};
+
 }  // namespace paintdoc::test

@@ -13,10 +13,7 @@ namespace {
 using test::FixtureFile;
 using test::PointAt;
 
-const FixtureFile& Fixtures() {
-  static const FixtureFile file("geometry/single_precision_fixtures.txt");
-  return file;
-}
+const FixtureFile& Fixtures() { return test::SinglePrecisionFixtures(); }
 
 void ExpectNear(const Point& actual, const Point& expected, double tolerance,
                 const std::string& what) {

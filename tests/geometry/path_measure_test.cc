@@ -11,13 +11,10 @@ namespace {
 using test::FixtureFile;
 using test::PointAt;
 
-const FixtureFile& Fixtures() {
-  static const FixtureFile file("geometry/single_precision_fixtures.txt");
-  return file;
-}
+const FixtureFile& Fixtures() { return test::SinglePrecisionFixtures(); }
 
-const Point kStart{10.0, 20.0}, kControl1{40.3, 95.7}, kControl2{120.1, -30.2},
-    kEnd{150.0, 60.0};
+constexpr Point kStart = test::kCurveStart, kControl1 = test::kCurveControl1,
+                kControl2 = test::kCurveControl2, kEnd = test::kCurveEnd;
 
 BezierPath MoveLine(Point from, Point to) {
   BezierPath path;

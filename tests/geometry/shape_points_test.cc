@@ -15,10 +15,7 @@ namespace {
 using test::FixtureFile;
 using test::PointAt;
 
-const FixtureFile& Fixtures() {
-  static const FixtureFile file("geometry/single_precision_fixtures.txt");
-  return file;
-}
+const FixtureFile& Fixtures() { return test::SinglePrecisionFixtures(); }
 
 // The direction from the rectangle's centre to p, in degrees in [0, 360).
 double PolarDegrees(const Rect& r, const Point& p) {

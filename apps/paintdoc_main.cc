@@ -1,0 +1,62 @@
+// `paintdoc`: previews and descriptions of paint documents from the command
+// line. Documents are recognised by their content, never by their name.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "cli_commands.h"
+
+namespace {
+
+using paintdoc::cli::Arguments;
+
+constexpr const char* kUsage =
+    "Usage:\n"
+    "  paintdoc render FILE -o OUT.png        the full-size preview of FILE\n"
+    "  paintdoc thumbnail FILE OUT.png [-s SIZE]\n"
+    "                                         the preview fitted into SIZE x SIZE\n"
+    "                                         (default 256), never enlarged\n"
+    "  paintdoc info FILE [--json]            format version, canvas and layers\n"
+    "  paintdoc --help | --version\n"
+    "\n"
+    "FILE is a paint document or a plain image (PNG, JPEG, TIFF, GIF, WebP, BMP).\n"
+    "Exit status: 0 success, 1 file refused or nothing drawn, 2 wrong arguments,\n"
+    "3 output not written. A failure prints one line on standard error.\n";
+
+bool IsHelp(const std::string& argument) { return argument == "--help" || argument == "-h"; }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Arguments arguments(argv + 1, argv + argc);
+  if (arguments.empty()) {
+    std::fputs(kUsage, stderr);
+    return paintdoc::cli::kExitUsage;
+  }
+  const std::string command = arguments.front();
+  arguments.erase(arguments.begin());
+
+  if (IsHelp(command)) {
+    std::fputs(kUsage, stdout);
+    return paintdoc::cli::kExitSuccess;
+  }
+  if (command == "--version") {
+    std::printf("paintdoc %s\n", PAINTDOC_VERSION);
+    return paintdoc::cli::kExitSuccess;
+  }
+  for (const std::string& argument : arguments) {
+    if (IsHelp(argument)) {
+      std::fputs(kUsage, stdout);
+      return paintdoc::cli::kExitSuccess;
+    }
+    if (argument == "--version") {
+      std::printf("paintdoc %s\n", PAINTDOC_VERSION);
+      return paintdoc::cli::kExitSuccess;
+    }
+  }
+  if (command == "render") return paintdoc::cli::RunRender(arguments);
+  if (command == "thumbnail") return paintdoc::cli::RunThumbnail(arguments);
+  if (command == "info") return paintdoc::cli::RunInfo(arguments);
+  paintdoc::cli::Complain("unknown command \"" + command + "\" (try paintdoc --help)");
+  return paintdoc::cli::kExitUsage;
+}

@@ -1,0 +1,141 @@
+// `paintdoc render` and `paintdoc thumbnail`: the preview path of the plug-in's
+// entry points, with the context kept and written as PNG.
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "cli_commands.h"
+#include "platform/bitmap.h"
+#include "platform/file_bytes.h"
+#include "platform/image_codecs.h"
+#include "preview/bitmap_scaling.h"
+#include "preview/preview_generator.h"
+#include "preview/preview_request.h"
+
+namespace paintdoc::cli {
+
+namespace {
+
+constexpr int kDefaultThumbnailSize = 256;
+
+// The drawn context of a preview request, or a one-line reason.
+struct Drawn {
+  std::shared_ptr<Bitmap> bitmap;
+  std::string failure;
+};
+
+Drawn DrawFile(const std::string& path, PreviewKind kind) {
+  BitmapPreviewRequest request;
+  const PreviewOutcome outcome = DrawPreviewSource(request, ReadPreviewSource(path, kind));
+  if (!outcome.drawn) return {nullptr, path + ": " + outcome.diagnosis};
+  const std::shared_ptr<Bitmap>& bitmap = request.flushedContext();
+  if (!bitmap || bitmap->isEmpty()) {
+    const int wide = bitmap ? bitmap->pixelsWide() : 0;
+    const int high = bitmap ? bitmap->pixelsHigh() : 0;
+    return {nullptr, path + ": nothing to draw: the content is " + std::to_string(wide) + " x " +
+                         std::to_string(high) + " pixels"};
+  }
+  return {bitmap, ""};
+}
+
+// Writes the PNG, leaving no file behind when that fails.
+int WritePng(const Bitmap& bitmap, const std::string& outPath, const PngWriteOptions& options) {
+  std::string error;
+  std::optional<std::vector<uint8_t>> png = WritePNG(bitmap, options, &error);
+  if (!png) {
+    Complain(outPath + ": " + error);
+    return kExitOutputFailed;
+  }
+  if (!WriteFileBytes(outPath, *png, &error)) {
+    std::remove(outPath.c_str());
+    Complain("can't write " + error);
+    return kExitOutputFailed;
+  }
+  return kExitSuccess;
+}
+
+std::optional<int> ParseThumbnailSize(const std::string& text) {
+  char* end = nullptr;
+  const long value = std::strtol(text.c_str(), &end, 10);
+  if (text.empty() || *end != '\0' || value < 1 || value > Bitmap::kMaxDimension) return std::nullopt;
+  return static_cast<int>(value);
+}
+
+}  // namespace
+
+void Complain(const std::string& message) { std::fprintf(stderr, "paintdoc: %s\n", message.c_str()); }
+
+int RunRender(const Arguments& arguments) {
+  std::string input;
+  std::string output;
+  for (size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] == "-o" && i + 1 < arguments.size()) {
+      output = arguments[++i];
+    } else if (input.empty() && arguments[i] != "-o") {
+      input = arguments[i];
+    } else {
+      Complain("render: unexpected argument \"" + arguments[i] + "\"");
+      return kExitUsage;
+    }
+  }
+  if (input.empty() || output.empty()) {
+    Complain("render needs FILE and -o OUT.png");
+    return kExitUsage;
+  }
+  const Drawn drawn = DrawFile(input, PreviewKind::Preview);
+  if (!drawn.bitmap) {
+    Complain(drawn.failure);
+    return kExitRefused;
+  }
+  PngWriteOptions options;
+  options.keepAlphaChannel = true;
+  return WritePng(*drawn.bitmap, output, options);
+}
+
+int RunThumbnail(const Arguments& arguments) {
+  std::vector<std::string> paths;
+  int size = kDefaultThumbnailSize;
+  for (size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] == "-s" || arguments[i] == "--size") {
+      std::optional<int> parsed =
+          i + 1 < arguments.size() ? ParseThumbnailSize(arguments[i + 1]) : std::nullopt;
+      if (!parsed) {
+        Complain("thumbnail: -s needs a size from 1 to " + std::to_string(Bitmap::kMaxDimension));
+        return kExitUsage;
+      }
+      size = *parsed;
+      ++i;
+    } else {
+      paths.push_back(arguments[i]);
+    }
+  }
+  if (paths.size() != 2) {
+    Complain("thumbnail needs FILE and OUT.png");
+    return kExitUsage;
+  }
+  const Drawn drawn = DrawFile(paths[0], PreviewKind::Thumbnail);
+  if (!drawn.bitmap) {
+    Complain(drawn.failure);
+    return kExitRefused;
+  }
+  const Bitmap& full = *drawn.bitmap;
+  const PixelSize fitted = FitIntoSquare(full.pixelsWide(), full.pixelsHigh(), size);
+  std::shared_ptr<Bitmap> thumbnail = drawn.bitmap;
+  if (fitted.width != full.pixelsWide() || fitted.height != full.pixelsHigh()) {
+    thumbnail = ScaleBitmapByArea(full, fitted.width, fitted.height);
+    if (!thumbnail) {
+      Complain(paths[0] + ": no thumbnail of " + std::to_string(fitted.width) + " x " +
+               std::to_string(fitted.height) + " could be made");
+      return kExitRefused;
+    }
+  }
+  PngWriteOptions options;
+  options.keepAlphaChannel = true;
+  options.textEntries = {{"Thumb::Image::Width", std::to_string(full.pixelsWide())},
+                         {"Thumb::Image::Height", std::to_string(full.pixelsHigh())}};
+  return WritePng(*thumbnail, paths[1], options);
+}
+
+}  // namespace paintdoc::cli

@@ -1,0 +1,47 @@
+// A description of what a file holds, for `paintdoc info`: for a document its
+// format version, canvas size, background and mask flags and the layer tree;
+// for a plain image its size. Printed as text or as one JSON object.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/geometry.h"
+
+namespace paintdoc {
+
+struct PreviewSource;
+
+struct LayerInfo {
+  std::string className;
+  std::string title;
+  bool visible = false;
+  bool locked = false;
+  double rotation = 0;  // degrees
+  Rect bounds;          // the unrotated outline's bounds
+  bool isGroup = false;
+  std::vector<LayerInfo> members;  // for a group
+};
+
+struct DocumentInfo {
+  bool isDocument = false;  // else a plain image
+  int64_t version = 0;
+  Size size;
+  bool hasBackground = false;
+  bool maskWithBackground = false;
+  std::vector<LayerInfo> layers;  // bottom first
+};
+
+// The description of drawable content (a document or an image).
+DocumentInfo DescribePreviewSource(const PreviewSource& source);
+
+// Several lines: a summary, then one line a layer, members indented.
+std::string FormatDocumentInfoText(const DocumentInfo& info);
+// One JSON object with the keys "kind", "version", "width", "height",
+// "hasBackground", "maskWithBackground" and "layers" (each with "class",
+// "title", "visible", "locked", "rotation", "bounds" as [x, y, w, h], and
+// "layers" for a group's members). An image has "kind", "width", "height".
+std::string FormatDocumentInfoJson(const DocumentInfo& info);
+
+}  // namespace paintdoc

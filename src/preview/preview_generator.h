@@ -1,0 +1,31 @@
+// The preview generators: read a file, ask the host for a drawing context of
+// the content's own size, clear it, draw the canvas (unscaled, at the origin)
+// or the image (into its point size), and flush the context back. Both give
+// up silently on every failure; the outcome says what happened and why.
+#pragma once
+
+#include <string>
+
+#include "preview/preview_source.h"
+
+namespace paintdoc {
+
+class PreviewRequest;
+
+struct PreviewOutcome {
+  PreviewStatus status = PreviewStatus::Unreadable;
+  // True when content was drawn into a context and flushed.
+  bool drawn = false;
+  // Why nothing was drawn; empty when something was.
+  std::string diagnosis;
+};
+
+// The whole request for one file. The thumbnail's maximum size is not asked
+// for: the context always has the content's size and the host scales.
+PreviewOutcome GeneratePreviewForFile(PreviewRequest& request, const std::string& path,
+                                      PreviewKind kind, const PreviewLimits& limits = {});
+
+// Drawing content already read into a context of the request.
+PreviewOutcome DrawPreviewSource(PreviewRequest& request, const PreviewSource& source);
+
+}  // namespace paintdoc

@@ -1,0 +1,26 @@
+// Bounds that the preview path keeps to on untrusted files. Each can be
+// changed by the caller; a file beyond one is refused with a clear reason.
+#pragma once
+
+#include <cstdint>
+
+#include "archive/archive_limits.h"
+#include "platform/image_codecs.h"
+
+namespace paintdoc {
+
+struct PreviewLimits {
+  // Files larger than this are not read at all.
+  uint64_t maxFileBytes = uint64_t{512} << 20;
+  // The content (canvas or image) drawn, in points: each side, and the area.
+  double maxCanvasSide = 32767;
+  double maxCanvasPixels = double(uint64_t{1} << 28);  // 256 megapixels
+  // Property-list objects in an archive and nesting of containers and
+  // archived objects. Fewer objects than the archive's own default: every
+  // object may become a layer, and a preview must stay within memory.
+  ArchiveLimits archive{.maxObjects = 2'000'000, .maxDepth = 256};
+  // Pixels of a decoded image (plain image files and bitmaps in documents).
+  uint64_t maxImagePixels = kDefaultMaxImagePixels;
+};
+
+}  // namespace paintdoc

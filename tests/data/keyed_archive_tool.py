@@ -1,0 +1,187 @@
+#!/usr/bin/env python3
+"""An independent writer and reader of paint documents for the tests.
+
+It builds keyed archives by hand with plistlib (binary or XML property lists,
+UIDs, $objects, $classes chains) without any of the library's code, so that
+the library's reader is checked against a second implementation, and it
+dumps what the library's writer produced.
+
+  keyed_archive_tool.py write SCENARIO OUT   write one of the scenarios below
+  keyed_archive_tool.py dump FILE            print the canvas archive as JSON
+"""
+import json
+import plistlib
+import struct
+import sys
+from plistlib import UID
+
+
+class Archive:
+    def __init__(self):
+        self.objects = ["$null"]
+        self.classes = {}
+
+    def add(self, value):
+        self.objects.append(value)
+        return UID(len(self.objects) - 1)
+
+    def class_of(self, *chain):
+        if chain not in self.classes:
+            self.classes[chain] = self.add({"$classname": chain[0], "$classes": list(chain)})
+        return self.classes[chain]
+
+    def instance(self, chain, fields):
+        record = dict(fields)
+        record["$class"] = self.class_of(*chain)
+        return self.add(record)
+
+    def array(self, uids):
+        return self.instance(("NSMutableArray", "NSArray", "NSObject"), {"NS.objects": list(uids)})
+
+    def color(self, r, g, b, a=1.0):
+        text = "%.10g %.10g %.10g" % (r, g, b) + ("" if a == 1.0 else " %.10g" % a)
+        return self.instance(("NSColor", "NSObject"),
+                             {"NSColorSpace": 1, "NSRGB": text.encode() + b"\0"})
+
+    def path(self, elements, line_width=None, cap=None, join=None, dash=None):
+        segments = b""
+        for kind, x, y in elements:
+            segments += struct.pack(">Bff", kind, x, y)
+        fields = {"NSSegments": segments}
+        if line_width is not None:
+            fields["NSLineWidth"] = float(line_width)
+        if cap:
+            fields["NSCapStyle"] = cap
+        if join:
+            fields["NSJoinStyle"] = join
+        if dash:
+            fields["NSDashPatterns"] = b"".join(struct.pack(">f", d) for d in dash)
+            fields["NSDashPhase"] = 0.0
+        return self.instance(("NSBezierPath", "NSObject"), fields)
+
+    def rect_path(self, x, y, w, h, **styles):
+        return self.path([(0, x, y), (1, x + w, y), (1, x + w, y + h), (1, x, y + h),
+                          (3, x, y), (0, x, y)], **styles)
+
+    def shadow(self, dx, dy, blur, color):
+        return self.instance(("NSShadow", "NSObject"),
+                             {"NSShadowHoriz": dx, "NSShadowVert": dy,
+                              "NSShadowBlurRadius": blur, "NSShadowColor": color})
+
+    def bytes(self, top, fmt=plistlib.FMT_BINARY):
+        return plistlib.dumps({"$archiver": "NSKeyedArchiver", "$version": 100000,
+                               "$top": top, "$objects": self.objects}, fmt=fmt)
+
+
+DRAW = ("DrawBase", "NSObject")
+RECTANGLE = ("DrawRectangle",) + DRAW
+
+
+def draws_of_document(a):
+    """The layers of the main scenario, bottom first."""
+    box = a.instance(RECTANGLE, {
+        "BezierPath": a.rect_path(10, 20, 100, 50, line_width=3, join=2, dash=[6, 3]),
+        "EnableStroke": True, "ForeColor": a.color(1, 0, 0),
+        "EnableFill": True, "IsFillWithGdt": False, "BackColor": a.color(0, 0, 1, 0.5),
+        "LayerTitle": "Box", "RotateDegree": 30.0,
+        "EnableShadow": True, "Shadow": a.shadow(3.0, -4.0, 5.0, a.color(0, 0, 0, 0.25)),
+    })
+    # Only the path: every other key falls back.
+    bare = a.instance(("DrawEllipse",) + RECTANGLE,
+                      {"BezierPath": a.path([(0, 0, 0), (1, 40, 40)])})
+    repaired = a.instance(RECTANGLE, {
+        "BezierPath": a.rect_path(0, 0, 10, 10),
+        "EnableFill": True, "IsFillWithGdt": True,     # no gradient: gradient fill goes off
+        "EnableShadow": True, "EnableInnerShadow": True,  # no shadows: defaults
+        "EnableReflection": True, "Reflection": 0.5, "ReflectionDis": -100.0,
+        "Visible": False, "SmoothLine": False, "Locked": True,
+    })
+    unknown = a.instance(("DrawFromTheFuture",) + DRAW, {"BezierPath": a.rect_path(0, 0, 1, 1)})
+    line = a.instance(("DrawLine",) + DRAW, {"BezierPath": a.path([(0, 5, 5), (1, 50, 5)]),
+                                            "LayerTitle": "Member line"})
+    curve = a.instance(("DrawCurve",) + DRAW, {"BezierPath": a.path(
+        [(0, 0, 0), (2, 10, 30), (2, 20, 30), (2, 30, 0)]), "Visible": False})
+    group = a.instance(("DrawGroup",) + DRAW, {"EnableStroke": False, "EnableFill": False,
+                                              "Draws": a.array([line, curve])})
+    return [box, bare, repaired, unknown, group]
+
+
+def canvas_archive(root_is_canvas=True, fmt=plistlib.FMT_BINARY):
+    a = Archive()
+    if root_is_canvas:
+        root = a.instance(("PaintManager", "NSObject"), {
+            "CanvasSize": a.add("{300, 200}"),
+            "DrawsArray": a.array(draws_of_document(a)),
+            "HasBackground": True,  # but the first layer is no image
+            "MaskWithBackground": True,
+        })
+    else:
+        root = a.instance(RECTANGLE, {"BezierPath": a.rect_path(0, 0, 5, 5)})
+    return a.bytes({"root": root}, fmt)
+
+
+def container(paint_data, version=10, resolution=True, fmt=plistlib.FMT_BINARY):
+    a = Archive()
+    top = {"PaintData": a.add(paint_data)}
+    if resolution:
+        top["Resolution"] = 72.0
+    if version is not None:
+        top["Version"] = version
+    return a.bytes(top, fmt)
+
+
+SCENARIOS = {
+    "document": lambda: container(canvas_archive()),
+    "document-xml": lambda: container(canvas_archive(fmt=plistlib.FMT_XML), fmt=plistlib.FMT_XML),
+    "version-11": lambda: container(canvas_archive(), version=11),
+    "no-version": lambda: container(canvas_archive(), version=None),
+    "no-resolution": lambda: container(canvas_archive(), resolution=False),
+    "root-not-canvas": lambda: container(canvas_archive(root_is_canvas=False)),
+}
+
+
+def plain(value, objects, depth=0):
+    """A JSON-friendly view of an archived value, following UIDs."""
+    if isinstance(value, UID):
+        target = objects[value.data]
+        if isinstance(target, dict) and "$class" in target and depth < 64:
+            record = {"$class": objects[target["$class"].data]["$classname"]}
+            for key, item in target.items():
+                if key != "$class":
+                    record[key] = plain(item, objects, depth + 1)
+            return record
+        return plain(target, objects, depth + 1) if target != "$null" else None
+    if isinstance(value, bytes):
+        return {"$bytes": len(value)}
+    if isinstance(value, list):
+        return [plain(item, objects, depth + 1) for item in value]
+    if isinstance(value, dict):
+        return {key: plain(item, objects, depth + 1) for key, item in value.items()}
+    return value
+
+
+def dump(path):
+    with open(path, "rb") as f:
+        outer = plistlib.load(f)
+    top = outer["$top"]
+    inner = plistlib.loads(outer["$objects"][top["PaintData"].data])
+    result = {"container": {key: (plain(value, outer["$objects"]) if key != "PaintData" else "data")
+                            for key, value in top.items()},
+              "classes": sorted({o["$classname"]: o["$classes"] for o in inner["$objects"]
+                                 if isinstance(o, dict) and "$classname" in o}.items()),
+              "canvas": plain(inner["$top"]["root"], inner["$objects"])}
+    json.dump(result, sys.stdout, sort_keys=True)
+
+
+def main():
+    if len(sys.argv) == 4 and sys.argv[1] == "write":
+        with open(sys.argv[3], "wb") as f:
+            f.write(SCENARIOS[sys.argv[2]]())
+    elif len(sys.argv) == 3 and sys.argv[1] == "dump":
+        dump(sys.argv[2])
+    else:
+        sys.exit(__doc__)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,291 @@
+// The preview path from a file's bytes to the drawn context: documents,
+// plain images, and every way of drawing nothing.
+#include <gtest/gtest.h>
+
+#include "archive/keyed_archiver.h"
+#include "document/paint_manager.h"
+#include "document/register_all_classes.h"
+#include "draws/draw_group.h"
+#include "draws/draw_rectangle.h"
+#include "platform/bitmap.h"
+#include "platform/file_bytes.h"
+#include "platform/image_codecs.h"
+#include "preview/document_container.h"
+#include "preview/preview_generator.h"
+#include "preview/preview_request.h"
+#include "support/archive_fixtures.h"
+#include "support/test_paths.h"
+
+namespace paintdoc {
+namespace {
+
+SharedBytes Bytes(std::vector<uint8_t> bytes) { return SharedBytes(std::move(bytes)); }
+
+// A container with chosen top-level keys around a canvas archive.
+std::vector<uint8_t> Container(const std::vector<uint8_t>& paintData, std::optional<int64_t> version,
+                               bool resolution = true) {
+  KeyedArchiver archiver;
+  archiver.encodeDataForKey(paintData, "PaintData");
+  if (resolution) archiver.encodeStringForKey("{72, 72}", "Resolution");
+  if (version) archiver.encodeInt64ForKey(*version, "Version");
+  return archiver.finishEncoding();
+}
+
+std::vector<uint8_t> CanvasArchive(Size size) {
+  RegisterAllClasses();
+  auto canvas = PaintManager::withSize(size);
+  canvas->allDraws().push_back(MakeDraw<DrawRectangle>());
+  return KeyedArchiver::archivedDataWithRootObject(*canvas);
+}
+
+std::vector<uint8_t> TwoByTwoPng() {
+  auto bitmap = Bitmap::create(2, 2);
+  bitmap->setPixelAt(0, 0, Rgba8{255, 0, 0, 255});  // top left opaque red
+  bitmap->setPixelAt(1, 1, Rgba8{0, 0, 64, 128});   // bottom right half blue
+  return *WritePNG(*bitmap);
+}
+
+PreviewSource Read(const std::vector<uint8_t>& bytes, PreviewKind kind = PreviewKind::Preview,
+                   const PreviewLimits& limits = {}) {
+  return ReadPreviewSourceFromBytes(Bytes(bytes), kind, limits);
+}
+
+TEST(PreviewSource, DocumentOfVersionTenIsDrawnAndElevenIsRefused) {
+  const auto paintData = CanvasArchive({40, 30});
+  const PreviewSource ten = Read(Container(paintData, 10));
+  EXPECT_EQ(ten.status, PreviewStatus::Document);
+  EXPECT_EQ(ten.version, 10);
+  EXPECT_EQ(ten.contentSize, (Size{40, 30}));
+  ASSERT_NE(ten.canvas, nullptr);
+  EXPECT_EQ(ten.canvas->allDraws().size(), 1u);
+
+  const PreviewSource eleven = Read(Container(paintData, 11));
+  EXPECT_EQ(eleven.status, PreviewStatus::NewerVersion);
+  EXPECT_EQ(eleven.canvas, nullptr);
+  EXPECT_EQ(eleven.diagnosis, "newer document version 11 (this build reads up to 10)");
+}
+
+TEST(PreviewSource, MissingVersionReadsAsZero) {
+  const PreviewSource source = Read(Container(CanvasArchive({5, 5}), std::nullopt));
+  EXPECT_EQ(source.status, PreviewStatus::Document);
+  EXPECT_EQ(source.version, 0);
+}
+
+TEST(PreviewSource, WithoutResolutionTheFileGoesToTheImagePath) {
+  const PreviewSource archive = Read(Container(CanvasArchive({5, 5}), 10, false));
+  EXPECT_EQ(archive.status, PreviewStatus::NotAnImage);
+  EXPECT_NE(archive.diagnosis.find("\"Resolution\""), std::string::npos);
+  // The pasteboard form is exactly such a container.
+  RegisterAllClasses();
+  const auto pasteboard = WriteDocumentContainer(*PaintManager::withSize({5, 5}), false);
+  EXPECT_EQ(Read(pasteboard).status, PreviewStatus::NotAnImage);
+}
+
+TEST(PreviewSource, InnerRootThatIsNoCanvasDrawsNothing) {
+  RegisterAllClasses();
+  const auto notCanvas = KeyedArchiver::archivedDataWithRootObject(*MakeDraw<DrawRectangle>());
+  const PreviewSource source = Read(Container(notCanvas, 10));
+  EXPECT_EQ(source.status, PreviewStatus::NotACanvas);
+  EXPECT_EQ(source.diagnosis, "the document's root is a DrawRectangle, not a canvas");
+  // Data that is no archive at all inside the container: also no fallback.
+  EXPECT_EQ(Read(Container({1, 2, 3}, 10)).status, PreviewStatus::NotACanvas);
+}
+
+TEST(PreviewSource, PlainImagesAreReadAtTheirPointSize) {
+  const PreviewSource png = Read(TwoByTwoPng());
+  EXPECT_EQ(png.status, PreviewStatus::Image);
+  EXPECT_EQ(png.contentSize, (Size{2, 2}));
+  auto bitmap = Bitmap::create(4, 2);
+  bitmap->setSizeWithDPI(144);  // 4 x 2 pixels are 2 x 1 points
+  const PreviewSource tiff = Read(*WriteTIFF(*bitmap));
+  EXPECT_EQ(tiff.status, PreviewStatus::Image);
+  EXPECT_EQ(tiff.contentSize, (Size{2, 1}));
+}
+
+TEST(PreviewSource, EmptyAndUnreadableFilesDrawNothing) {
+  EXPECT_EQ(Read({}).status, PreviewStatus::EmptyFile);
+  EXPECT_EQ(Read({}).diagnosis, "empty file");
+  const std::string text = "just some text";
+  const PreviewSource other = Read(std::vector<uint8_t>(text.begin(), text.end()));
+  EXPECT_EQ(other.status, PreviewStatus::NotAnImage);
+  EXPECT_EQ(other.diagnosis, "neither a paint document nor an image");
+  const PreviewSource missing =
+      ReadPreviewSource(test::OutputPath("preview/no-such-file"), PreviewKind::Thumbnail);
+  EXPECT_EQ(missing.status, PreviewStatus::Unreadable);
+  EXPECT_NE(missing.diagnosis.find("no-such-file"), std::string::npos);
+}
+
+TEST(PreviewSource, ContentIsRecognisedByItsBytesNotItsName) {
+  const std::string documentNamedPng = test::OutputPath("preview/document.png");
+  RegisterAllClasses();
+  ASSERT_TRUE(WriteFileBytes(documentNamedPng,
+                             WriteDocumentContainer(*PaintManager::withSize({7, 3}))));
+  EXPECT_EQ(ReadPreviewSource(documentNamedPng, PreviewKind::Preview).status,
+            PreviewStatus::Document);
+  const std::string pngNamedDocument = test::OutputPath("preview/image.paintdoc");
+  ASSERT_TRUE(WriteFileBytes(pngNamedDocument, TwoByTwoPng()));
+  EXPECT_EQ(ReadPreviewSource(pngNamedDocument, PreviewKind::Preview).status,
+            PreviewStatus::Image);
+}
+
+TEST(PreviewLimits, EachLimitRefusesWithItsOwnReason) {
+  const auto document = Container(CanvasArchive({300, 200}), 10);
+  PreviewLimits small;
+  small.maxFileBytes = document.size() - 1;
+  EXPECT_EQ(Read(document, PreviewKind::Preview, small).status, PreviewStatus::Unreadable);
+
+  PreviewLimits side;
+  side.maxCanvasSide = 250;
+  const PreviewSource wide = Read(document, PreviewKind::Preview, side);
+  EXPECT_EQ(wide.status, PreviewStatus::SizeRefused);
+  EXPECT_EQ(wide.diagnosis, "content size 300 x 200 exceeds the limit of 250 a side");
+
+  PreviewLimits area;
+  area.maxCanvasPixels = 300 * 200 - 1;
+  EXPECT_EQ(Read(document, PreviewKind::Preview, area).status, PreviewStatus::SizeRefused);
+
+  PreviewLimits objects;
+  objects.archive.maxObjects = 5;
+  EXPECT_NE(Read(document, PreviewKind::Preview, objects).status, PreviewStatus::Document);
+
+  PreviewLimits pixels;
+  pixels.maxImagePixels = 3;
+  EXPECT_EQ(Read(TwoByTwoPng(), PreviewKind::Preview, pixels).status, PreviewStatus::NotAnImage);
+}
+
+TEST(PreviewLimits, DefaultsRefuseOversizedAndInvalidCanvases) {
+  EXPECT_EQ(Read(Container(CanvasArchive({32768, 10}), 10)).status, PreviewStatus::SizeRefused);
+  EXPECT_EQ(Read(Container(CanvasArchive({20000, 20000}), 10)).status,
+            PreviewStatus::SizeRefused);
+  EXPECT_EQ(Read(Container(CanvasArchive({32767, 10}), 10)).status, PreviewStatus::Document);
+  RegisterAllClasses();
+  const auto negative = test::ArchiveRoot(test::KeysAs("PaintManager", [](KeyedArchiver& c) {
+    c.encodeStringForKey("{-5, 10}", "CanvasSize");
+  }));
+  EXPECT_EQ(Read(Container(negative, 10)).diagnosis, "content size -5 x 10 is not a valid size");
+}
+
+TEST(PreviewLimits, DeeplyNestedGroupsAreRefusedNotRecursedInto) {
+  RegisterAllClasses();
+  std::shared_ptr<DrawBase> inner = MakeDraw<DrawRectangle>();
+  for (int depth = 0; depth < 400; ++depth) {
+    auto group = MakeDraw<DrawGroup>();
+    group->setDraws({inner});
+    inner = group;
+  }
+  auto canvas = PaintManager::withSize({10, 10});
+  canvas->allDraws().push_back(inner);
+  const auto document = WriteDocumentContainer(*canvas);
+  const PreviewSource source = Read(document);
+  // Too deep for the default limits: the nested part is cut off or refused,
+  // never followed to the bottom.
+  if (source.status == PreviewStatus::Document) {
+    int depth = 0;
+    std::shared_ptr<DrawBase> draw =
+        source.canvas->allDraws().empty() ? nullptr : source.canvas->allDraws()[0];
+    while (auto group = std::dynamic_pointer_cast<DrawGroup>(draw)) {
+      ++depth;
+      draw = group->draws().empty() ? nullptr : group->draws()[0];
+    }
+    EXPECT_LT(depth, 400);
+  }
+  PreviewLimits deep;
+  deep.archive.maxDepth = 2000;
+  const PreviewSource allowed = Read(document, PreviewKind::Preview, deep);
+  EXPECT_EQ(allowed.status, PreviewStatus::Document);
+}
+
+// --- drawing into the host's context
+
+class CountingRequest : public BitmapPreviewRequest {
+ public:
+  bool refuse = false;
+  std::shared_ptr<Bitmap> createContext(Size size, bool isBitmap) override {
+    bitmapAsked = isBitmap;
+    if (refuse) {
+      BitmapPreviewRequest::createContext(size, isBitmap);
+      return nullptr;
+    }
+    return BitmapPreviewRequest::createContext(size, isBitmap);
+  }
+  bool bitmapAsked = false;
+};
+
+TEST(PreviewDrawing, ThumbnailContextHasTheCanvasSizeWhateverTheMaximum) {
+  CountingRequest request;
+  const PreviewOutcome outcome =
+      DrawPreviewSource(request, Read(Container(CanvasArchive({640, 480}), 10), PreviewKind::Thumbnail));
+  EXPECT_TRUE(outcome.drawn);
+  ASSERT_EQ(request.requestedSizes().size(), 1u);
+  EXPECT_EQ(request.requestedSizes()[0], (Size{640, 480}));
+  EXPECT_TRUE(request.bitmapAsked);
+  EXPECT_EQ(request.flushCount(), 1);
+  EXPECT_EQ(request.flushedContext()->pixelsWide(), 640);
+}
+
+TEST(PreviewDrawing, ZeroCanvasAsksForAZeroContextAndFlushesIt) {
+  CountingRequest request;
+  const PreviewOutcome outcome = DrawPreviewSource(request, Read(Container(CanvasArchive({0, 0}), 10)));
+  EXPECT_TRUE(outcome.drawn);
+  EXPECT_EQ(request.requestedSizes(), (std::vector<Size>{{0, 0}}));
+  EXPECT_EQ(request.flushCount(), 1);
+}
+
+TEST(PreviewDrawing, NoContextMeansNothingDrawnAndNothingFlushed) {
+  CountingRequest request;
+  request.refuse = true;
+  const PreviewOutcome outcome = DrawPreviewSource(request, Read(TwoByTwoPng()));
+  EXPECT_FALSE(outcome.drawn);
+  EXPECT_EQ(request.flushCount(), 0);
+  EXPECT_EQ(request.requestedSizes().size(), 1u);
+}
+
+TEST(PreviewDrawing, RefusedContentAsksForNoContext) {
+  CountingRequest request;
+  EXPECT_FALSE(DrawPreviewSource(request, Read(Container(CanvasArchive({5, 5}), 11))).drawn);
+  EXPECT_TRUE(request.requestedSizes().empty());
+}
+
+TEST(PreviewDrawing, ImageKeepsItsPixelsAndTransparency) {
+  CountingRequest request;
+  ASSERT_TRUE(DrawPreviewSource(request, Read(TwoByTwoPng())).drawn);
+  const Bitmap& context = *request.flushedContext();
+  EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{255, 0, 0, 255}));
+  EXPECT_EQ(context.pixelAt(1, 0), (Rgba8{0, 0, 0, 0}));
+  EXPECT_EQ(context.pixelAt(0, 1), (Rgba8{0, 0, 0, 0}));
+  EXPECT_EQ(context.pixelAt(1, 1), (Rgba8{0, 0, 64, 128}));
+}
+
+TEST(PreviewDrawing, ContextIsClearedBeforeDrawing) {
+  // A host that hands out a dirty bitmap still gets transparent pixels where
+  // the content is transparent.
+  class DirtyRequest : public BitmapPreviewRequest {
+   public:
+    std::shared_ptr<Bitmap> createContext(Size size, bool isBitmap) override {
+      auto context = BitmapPreviewRequest::createContext(size, isBitmap);
+      for (int y = 0; y < context->pixelsHigh(); ++y)
+        for (int x = 0; x < context->pixelsWide(); ++x) context->setPixelAt(x, y, {9, 9, 9, 255});
+      return context;
+    }
+  } request;
+  ASSERT_TRUE(DrawPreviewSource(request, Read(Container(CanvasArchive({3, 3}), 10))).drawn);
+  EXPECT_EQ(request.flushedContext()->pixelAt(1, 1), (Rgba8{0, 0, 0, 0}));
+}
+
+TEST(PreviewDrawing, LargerContextGetsTheContentAtItsLowerLeftCorner) {
+  class LargerRequest : public BitmapPreviewRequest {
+   public:
+    std::shared_ptr<Bitmap> createContext(Size, bool isBitmap) override {
+      return BitmapPreviewRequest::createContext({4, 3}, isBitmap);
+    }
+  } request;
+  ASSERT_TRUE(DrawPreviewSource(request, Read(TwoByTwoPng())).drawn);
+  const Bitmap& context = *request.flushedContext();
+  // The image's top row lands on storage row 1 (row 2 is the bottom).
+  EXPECT_EQ(context.pixelAt(0, 1), (Rgba8{255, 0, 0, 255}));
+  EXPECT_EQ(context.pixelAt(1, 2), (Rgba8{0, 0, 64, 128}));
+  EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{0, 0, 0, 0}));
+}
+
+}  // namespace
+}  // namespace paintdoc
