@@ -17,8 +17,10 @@ struct PreviewLimits {
   double maxCanvasPixels = double(uint64_t{1} << 28);  // 256 megapixels
   // Property-list objects in an archive and nesting of containers and
   // archived objects. Fewer objects than the archive's own default: every
-  // object may become a layer, and a preview must stay within memory.
-  ArchiveLimits archive{.maxObjects = 2'000'000, .maxDepth = 256};
+  // object may become a layer of about a kilobyte, so a million objects
+  // bound the layers' memory near 1.3 GB (a document of 10,000 layers holds
+  // some 75,000 objects).
+  ArchiveLimits archive{.maxObjects = 1'000'000, .maxDepth = 256};
   // Pixels of a decoded image (plain image files and bitmaps in documents).
   uint64_t maxImagePixels = kDefaultMaxImagePixels;
 };
