@@ -139,7 +139,8 @@ std::string SvgColor(double red, double green, double blue) {
 }
 
 // SVG is y-down: canvas y flips, and a counter-clockwise turn becomes a
-// negative SVG rotation. The shadow is an offset Gaussian drop shadow of the
+// negative SVG rotation. Gradient boxes run from their colour on the left to
+// white on the right (0 degrees), turning with the box. The shadow is an offset Gaussian drop shadow of the
 // same deviation the canvas uses for a blur radius of 8.
 std::string SceneAsSvg(const std::vector<SceneShape>& scene) {
   std::ostringstream svg;
@@ -153,7 +154,7 @@ std::string SceneAsSvg(const std::vector<SceneShape>& scene) {
   for (size_t i = 0; i < scene.size(); ++i) {
     const SceneShape& s = scene[i];
     if (s.kind != Kind::GradientBox) continue;
-    svg << "<linearGradient id='g" << i << "' x1='0' y1='1' x2='0' y2='0'><stop offset='0' "
+    svg << "<linearGradient id='g" << i << "' x1='0' y1='0' x2='1' y2='0'><stop offset='0' "
         << "stop-color='" << SvgColor(s.red, s.green, s.blue) << "'/><stop offset='1' "
         << "stop-color='#ffffff'/></linearGradient>\n";
   }

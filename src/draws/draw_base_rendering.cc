@@ -156,6 +156,62 @@ void PaintInnerShadow(GraphicsContext& context, const Shadow& innerShadow,
   context.restoreGraphicsState();
 }
 
+// Fill, its drop shadow and the inner shadow.
+void PaintFill(GraphicsContext& context, const DrawBase& draw, const BezierPath& outline) {
+  const bool shadowApplies = ShadowApplies(draw);
+  const Rect bounds = outline.bounds();
+  if (shadowApplies) context.setShadow(draw.shadow());
+  if (draw.fillWithGradient()) {
+    if (draw.fillGradient()) {
+      // Inside a layer the gradient's many pieces cast one shadow together.
+      const bool narrowLayer = shadowApplies && !draw.copyWhenComposite();
+      if (narrowLayer) {
+        context.saveGraphicsState();
+        ClipToFillAndItsShadow(context, bounds, *draw.shadow());
+      }
+      if (shadowApplies) context.beginTransparencyLayer();
+      // The gradient turns with the shape.
+      PaintGradientFill(context, draw, outline, 1.0f,
+                        static_cast<float>(draw.fillGradientDegree() + draw.rotateDegree()));
+      if (shadowApplies) context.endTransparencyLayer();
+      if (narrowLayer) context.restoreGraphicsState();
+    }
+  } else {
+    // A draw that replaces pixels fills even without a colour of its own,
+    // with whatever fill colour is current.
+    if (draw.fillColor()) context.setFillColor(*draw.fillColor());
+    context.fill(outline);
+  }
+  if (shadowApplies) context.setShadow(std::nullopt);
+  if (draw.enableInnerShadow() && draw.innerShadow()) {
+    PaintInnerShadow(context, *draw.innerShadow(), outline, bounds);
+  }
+}
+
+// The stroke with its drop shadow. Over a fill, which already cast the
+// shape's shadow, the stroke's shadow may only fall outside the filled
+// outline: it is clipped to everything but the outline, and the stroke is
+// then drawn once more, whole and without shadow.
+void PaintStroke(GraphicsContext& context, const DrawBase& draw, const BezierPath& outline,
+                 bool filled) {
+  const bool shadowApplies = ShadowApplies(draw);
+  context.setShouldAntialias(draw.shouldAntialias());
+  if (draw.strokeColor()) context.setStrokeColor(*draw.strokeColor());
+  if (shadowApplies && filled) {
+    context.saveGraphicsState();
+    context.setShadow(draw.shadow());
+    BezierPath outside = BezierPath::withRect(draw.renderedRect());
+    outside.appendPath(outline);
+    context.clip(outside, WindingRule::EvenOdd);
+    context.stroke(outline);
+    context.restoreGraphicsState();
+    context.stroke(outline);
+    return;
+  }
+  if (shadowApplies) context.setShadow(draw.shadow());
+  context.stroke(outline);
+}
+
 }  // namespace
 
 void DrawBase::drawInImage(const std::shared_ptr<Bitmap>& /*image*/) { draw(); }
@@ -182,61 +238,13 @@ void DrawBase::_draw() {
   context->setCompositingOperation(copyWhenComposite() ? CompositingOperation::Copy
                                                        : CompositingOperation::SourceOver);
   context->setShouldAntialias(true);
-  const bool shadowApplies = ShadowApplies(*this);
   const BezierPath outline = bezierPath_->transformed(transform());
   const bool stroked = drawStroke();
   const bool filled = drawFill();
-
+  // Odd widths are moved onto pixel centres so that their lines stay crisp.
   if (stroked && IsOddWidth(outline.lineWidth())) context->translate(0.5, 0.5);
-
-  if (filled) {
-    const Rect bounds = outline.bounds();
-    if (shadowApplies) context->setShadow(shadow_);
-    if (bFillWithGdt_) {
-      if (gradientFill_) {
-        // Inside a layer the gradient's many pieces cast one shadow together.
-        const bool narrowLayer = shadowApplies && !copyWhenComposite();
-        if (narrowLayer) {
-          context->saveGraphicsState();
-          ClipToFillAndItsShadow(*context, bounds, *shadow_);
-        }
-        if (shadowApplies) context->beginTransparencyLayer();
-        PaintGradientFill(*context, *this, outline, 1.0f,
-                          static_cast<float>(fFillGdtDegree_ + fRotateDegree_));
-        if (shadowApplies) context->endTransparencyLayer();
-        if (narrowLayer) context->restoreGraphicsState();
-      }
-    } else {
-      // A draw that replaces pixels fills even without a colour of its own,
-      // with whatever fill colour is current.
-      if (colorFill_) context->setFillColor(*colorFill_);
-      context->fill(outline);
-    }
-    if (shadowApplies) context->setShadow(std::nullopt);
-    if (bEnableInnerShadow_ && shadowInner_) {
-      PaintInnerShadow(*context, *shadowInner_, outline, bounds);
-    }
-  }
-
-  if (stroked) {
-    context->setShouldAntialias(shouldAntialias());
-    if (colorStroke_) context->setStrokeColor(*colorStroke_);
-    if (shadowApplies && filled) {
-      // The fill already cast the shape's shadow; the stroke's shadow may only
-      // fall outside the filled outline, so it is clipped to everything but it.
-      context->saveGraphicsState();
-      context->setShadow(shadow_);
-      BezierPath outside = BezierPath::withRect(renderedRect());
-      outside.appendPath(outline);
-      context->clip(outside, WindingRule::EvenOdd);
-      context->stroke(outline);
-      context->restoreGraphicsState();
-      context->stroke(outline);
-    } else {
-      if (shadowApplies) context->setShadow(shadow_);
-      context->stroke(outline);
-    }
-  }
+  if (filled) PaintFill(*context, *this, outline);
+  if (stroked) PaintStroke(*context, *this, outline, filled);
   context->restoreGraphicsState();
 }
 

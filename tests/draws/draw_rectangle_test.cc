@@ -57,20 +57,6 @@ TEST(DrawRectangleDefaults, EachShapeStartsWithItsOwnLineStyleAndFill) {
             Gradient::withStartingColor(Color::calibratedWhite(0, 1), Color::calibratedWhite(0.5, 1)));
 }
 
-TEST(DrawRectangleTraits, FillBorderAndCreationAnswers) {
-  auto rectangle = MakeDraw<DrawRectangle>();
-  EXPECT_TRUE(rectangle->classDrawFill());
-  EXPECT_TRUE(rectangle->classDrawStroke());
-  EXPECT_FALSE(rectangle->hasBorder());
-  EXPECT_FALSE(rectangle->acceptMouseMoveEventWhenInitDraw());
-  EXPECT_FALSE(rectangle->startFromCenterWhenCreating());
-  EXPECT_EQ(rectangle->width2HeightRatioForShift(), 1.0f);
-  // A box whose class draws no outline of its own shows a border.
-  EXPECT_TRUE(MakeDraw<DrawSelection>()->hasBorder());
-  EXPECT_FALSE(MakeDraw<DrawGradient>()->classDrawStroke());
-  EXPECT_EQ(MakeDraw<DrawRoundRectangle>()->name(), "Round Rectangle");
-}
-
 TEST(SetBezierPathWithBounds, RaisesAZeroBoxToOneUnitAndKeepsTheLineAttributes) {
   auto rectangle = MakeDraw<DrawRectangle>();
   rectangle->setBezierPathLineWidth(5);
