@@ -358,6 +358,13 @@ std::optional<ShadowMask> RenderShadowMask(cairo_t* cr, const Primitive& primiti
 
   // Device space runs y down; the offset runs y up.
   double shiftX = offset.width, shiftY = -offset.height;
+  // cairo keeps coordinates within about ±2^23 device pixels, so a shadow moved
+  // further than this can never land on the visible pixels (and such an offset,
+  // which only a damaged file holds, would not fit the integer pixel grid).
+  constexpr double kFarthestVisibleShift = 1 << 26;
+  if (!(std::abs(shiftX) < kFarthestVisibleShift && std::abs(shiftY) < kFarthestVisibleShift)) {
+    return std::nullopt;
+  }
   int reach = GaussianBlurReach(sigma) + 1;
   // Mask pixels that show once shifted (a pixel more for a fractional shift)...
   DeviceRect shown{visible.x - static_cast<int>(std::ceil(shiftX)),

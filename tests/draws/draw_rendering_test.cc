@@ -252,7 +252,7 @@ TEST(Draw, DamagedValuesPaintWithoutHarm) {
       [](DrawRectangle& d) { d.setBezierPathLineWidth(1e30f); },
       [&](DrawRectangle& d) {
         d.setEnableShadow(true);
-        d.setShadow(Shadow(Color::blackColor(), {1e4, -1e4}, 1e9));
+        d.setShadow(Shadow(Color::blackColor(), {1e12, -1e4}, 1e9));
       },
       [&](DrawRectangle& d) {
         d.setEnableShadow(true);
@@ -260,7 +260,7 @@ TEST(Draw, DamagedValuesPaintWithoutHarm) {
       },
       [&](DrawRectangle& d) {
         d.setEnableInnerShadow(true);
-        d.setInnerShadow(Shadow(Color::blackColor(), {1e4, nan}, 1e12));
+        d.setInnerShadow(Shadow(Color::blackColor(), {-1e12, nan}, 1e12));
       },
       [](DrawRectangle& d) {
         d.setEnableReflection(true);
@@ -280,7 +280,7 @@ TEST(Draw, DamagedValuesPaintWithoutHarm) {
         d.setFillRadialGradient(true);
         d.setFillGradientCenter({nan, 1e300});
         d.setEnableShadow(true);
-        d.setShadow(Shadow(Color::blackColor(), {1e4, -1e4}, 1e9));
+        d.setShadow(Shadow(Color::blackColor(), {1e4, -1e12}, 1e9));
       },
   };
   LogCapture quiet;
