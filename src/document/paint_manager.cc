@@ -6,6 +6,7 @@
 
 #include "draws/draw_image.h"
 #include "platform/bitmap.h"
+#include "platform/image_codecs.h"
 
 namespace paintdoc {
 
@@ -33,10 +34,36 @@ PaintManager::~PaintManager() {
   drawBackground_.reset();
 }
 
+namespace {
+
+// The size of a canvas made from an image when there is no image.
+constexpr Size kSizeWithoutImage{100, 100};
+
+}  // namespace
+
 std::shared_ptr<PaintManager> PaintManager::withSize(Size size) {
   auto canvas = std::make_shared<PaintManager>();
   canvas->size_ = Size{TruncateThroughInt32(size.width), TruncateThroughInt32(size.height)};
   return canvas;
+}
+
+std::shared_ptr<PaintManager> PaintManager::withImageRep(std::shared_ptr<Bitmap> bitmap) {
+  auto canvas = withSize(kSizeWithoutImage);
+  if (!bitmap) return canvas;
+  canvas->size_ = Size{static_cast<double>(bitmap->pixelsWide()),
+                       static_cast<double>(bitmap->pixelsHigh())};
+  // The background is set directly, not through setBackgroundDraw: the list is
+  // empty, so appending puts it at index 0.
+  canvas->drawBackground_ = DrawImage::withImage(std::move(bitmap));
+  canvas->addDraw(canvas->drawBackground_);
+  return canvas;
+}
+
+std::shared_ptr<PaintManager> PaintManager::withImage(const std::shared_ptr<Bitmap>& image) {
+  if (!image) return withImageRep(nullptr);
+  const std::optional<std::vector<uint8_t>> tiff = WriteTIFF(*image);
+  if (!tiff) return withImageRep(nullptr);
+  return withImageRep(ReadTIFF(*tiff).bitmap);
 }
 
 void PaintManager::setSize(Size size) {

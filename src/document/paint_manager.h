@@ -41,6 +41,13 @@ class PaintManager : public Codable {
   // integer (99.9 gives 99, -0.5 gives 0); sides beyond the 32-bit range
   // saturate and a NaN side gives 0.
   static std::shared_ptr<PaintManager> withSize(Size size);
+  // A canvas of the image's pixel size whose only draw is the image as its
+  // background. The image is first normalised through its TIFF form, as a
+  // picture handed over from outside is. A null image (or one that cannot be
+  // normalised) gives an empty 100 by 100 canvas.
+  static std::shared_ptr<PaintManager> withImage(const std::shared_ptr<Bitmap>& image);
+  // The same with the bitmap used as it is, shared, without the TIFF trip.
+  static std::shared_ptr<PaintManager> withImageRep(std::shared_ptr<Bitmap> bitmap);
 
   // "CanvasSize", "DrawsArray", "HasBackground" and "MaskWithBackground".
   void encodeWithCoder(KeyedArchiver& coder) const override;

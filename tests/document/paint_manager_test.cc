@@ -49,6 +49,30 @@ TEST(PaintManagerCreation, NewCanvasIsEmpty) {
   EXPECT_EQ(PaintManager::version(), 10);
 }
 
+TEST(PaintManagerCreation, FromAnImageTheImageIsTheOnlyDrawAndTheBackground) {
+  auto picture = Bitmap::create(300, 200);
+  picture->setPixelAt(0, 0, {255, 0, 0, 255});  // top-left, opaque red
+  for (auto canvas : {PaintManager::withImage(picture), PaintManager::withImageRep(picture)}) {
+    EXPECT_EQ(canvas->canvasSize(), (Size{300, 200}));
+    ASSERT_EQ(canvas->allDraws().size(), 1u);
+    ASSERT_NE(canvas->backgroundDraw(), nullptr);
+    EXPECT_EQ(canvas->allDraws()[0], canvas->backgroundDraw());
+    EXPECT_EQ(canvas->backgroundDraw()->pathBounds(), MakeRect(0, 0, 300, 200));
+    EXPECT_EQ(canvas->image()->pixelAt(0, 0), (Rgba8{255, 0, 0, 255}));
+  }
+  // The bitmap is used as it is only without the TIFF trip.
+  EXPECT_EQ(PaintManager::withImageRep(picture)->backgroundDraw()->image(), picture);
+  EXPECT_NE(PaintManager::withImage(picture)->backgroundDraw()->image(), picture);
+}
+
+TEST(PaintManagerCreation, FromNoImageAnEmptyHundredByHundredCanvas) {
+  for (auto canvas : {PaintManager::withImage(nullptr), PaintManager::withImageRep(nullptr)}) {
+    EXPECT_EQ(canvas->canvasSize(), (Size{100, 100}));
+    EXPECT_TRUE(canvas->allDraws().empty());
+    EXPECT_EQ(canvas->backgroundDraw(), nullptr);
+  }
+}
+
 TEST(PaintManagerCreation, SetSizeRoundsHalvesAwayFromZero) {
   auto canvas = PaintManager::withSize({1, 1});
   canvas->setSize({640.7, 480.2});
