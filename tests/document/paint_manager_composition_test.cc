@@ -1,5 +1,5 @@
 // Composition of the canvas: the two caches, which draws each operation
-// paints (counted, not timed), the background and its mask.
+// paints (counted), the background and its mask.
 #include <gtest/gtest.h>
 
 #include "document/paint_manager.h"
@@ -45,6 +45,14 @@ class Composition : public ::testing::Test {
   }
   // Paints counted since the last call.
   int takePaints() { return std::exchange(paints_, 0); }
+  void addAll(std::initializer_list<std::shared_ptr<DrawBase>> draws) {
+    for (const auto& draw : draws) canvas_->addDraw(draw);
+  }
+  static std::shared_ptr<DrawGroup> group(const DrawList& members) {
+    auto made = MakeDraw<DrawGroup>();
+    made->setDraws(members);
+    return made;
+  }
 
   std::shared_ptr<PaintManager> canvas_ = PaintManager::withSize({40, 30});
 
@@ -52,17 +60,12 @@ class Composition : public ::testing::Test {
   int paints_ = 0;
 };
 
-TEST_F(Composition, EmptyCanvasGivesATransparentBitmapOfItsSize) {
-  auto image = canvas_->image();
-  ASSERT_TRUE(image);
-  EXPECT_EQ(image->pixelsWide(), 40);
-  EXPECT_EQ(image->pixelsHigh(), 30);
-  EXPECT_EQ(ImageRectByTrimEmpty(image), ZeroRect());
-}
-
 TEST_F(Composition, ImageIsKeptWhileBothCachesExist) {
-  canvas_->addDraw(box(MakeRect(0, 0, 10, 10)));
-  canvas_->addDraw(box(MakeRect(10, 0, 10, 10)));
+  auto empty = canvas_->image();
+  ASSERT_TRUE(empty);
+  EXPECT_EQ(empty->size(), MakeSize(40, 30));
+  EXPECT_EQ(ImageRectByTrimEmpty(empty), ZeroRect());
+  addAll({box(MakeRect(0, 0, 10, 10)), box(MakeRect(10, 0, 10, 10))});
   auto first = canvas_->image();
   EXPECT_EQ(takePaints(), 2);
   EXPECT_EQ(canvas_->image(), first);
@@ -73,36 +76,36 @@ TEST_F(Composition, ImageIsKeptWhileBothCachesExist) {
   EXPECT_EQ(takePaints(), 2);
 }
 
-TEST_F(Composition, SingleDrawIsPaintedOnTopOfATransparentBuffer) {
+TEST_F(Composition, HiddenTopDrawLeavesThePictureEqualToTheBuffer) {
   auto only = box(MakeRect(0, 0, 40, 30));
   canvas_->addDraw(only);
   EXPECT_EQ(PixelAt(*canvas_->image(), 5, 5), kRed);
   EXPECT_EQ(takePaints(), 1);
-  // Hiding it and repainting the top shows the buffer beneath it.
+  // Hiding the only draw and repainting the top shows the empty buffer.
   only->setVisible(false);
   canvas_->respondToChangeOfDraws({only});
   EXPECT_EQ(takePaints(), 0);
   EXPECT_EQ(ImageRectByTrimEmpty(canvas_->image()), ZeroRect());
-}
 
-TEST_F(Composition, InvisibleTopDrawLeavesThePictureEqualToTheBuffer) {
-  auto bottom = box(MakeRect(0, 0, 20, 30), Color::blueColor());
+  canvas_ = PaintManager::withSize({40, 30});
   auto hidden = box(MakeRect(10, 0, 30, 30));
   hidden->setVisible(false);
-  canvas_->addDraw(bottom);
-  canvas_->addDraw(hidden);
-  auto image = canvas_->image();
-  EXPECT_EQ(takePaints(), 1);
+  addAll({box(MakeRect(0, 0, 20, 30), Color::blueColor()), hidden});
   auto expected =
       MakeImage(40, 30, [](int x, int) { return x < 20 ? Rgba8{0, 0, 255, 255} : kTransparent; });
-  EXPECT_TRUE(ImagesMatch(*image, *expected, 0, "invisible_top_draw"));
+  EXPECT_TRUE(ImagesMatch(*canvas_->image(), *expected, 0, "invisible_top_draw"));
+  EXPECT_EQ(takePaints(), 1);
+  // A draw added over the hidden top puts nothing of it into the buffer.
+  canvas_->addDraw(box(MakeRect(30, 0, 5, 5)));
+  EXPECT_EQ(takePaints(), 0);
+  EXPECT_EQ(PixelAt(*canvas_->image(), 25, 10), kTransparent);
 }
 
 TEST_F(Composition, ChangingTheTopDrawRepaintsOnlyIt) {
   auto bottom = box(MakeRect(0, 0, 10, 10));
   auto middle = box(MakeRect(10, 0, 10, 10));
   auto top = box(MakeRect(20, 0, 10, 10));
-  for (const auto& draw : {bottom, middle, top}) canvas_->addDraw(draw);
+  addAll({bottom, middle, top});
   canvas_->image();
   EXPECT_EQ(takePaints(), 3);
 
@@ -127,14 +130,7 @@ TEST_F(Composition, ChangesInsideGroupsRepaintTheTopGroupOrDropTheBuffer) {
   auto loose = box(MakeRect(0, 0, 5, 5));
   auto lowerMember = box(MakeRect(5, 0, 5, 5));
   auto topMember = box(MakeRect(10, 0, 5, 5));
-  auto lowerGroup = MakeDraw<DrawGroup>();
-  lowerGroup->setDraws({lowerMember});
-  auto topGroup = MakeDraw<DrawGroup>();
-  topGroup->setDraws({topMember});
-  for (const std::shared_ptr<DrawBase>& draw :
-       std::initializer_list<std::shared_ptr<DrawBase>>{loose, lowerGroup, topGroup}) {
-    canvas_->addDraw(draw);
-  }
+  addAll({loose, group({lowerMember}), group({topMember})});
   canvas_->image();
   EXPECT_EQ(takePaints(), 3);
 
@@ -179,18 +175,6 @@ TEST_F(Composition, AddingADrawPaintsOnlyThePreviousTopIntoTheBuffer) {
   EXPECT_EQ(canvas_->allDraws().size(), 3u);
 }
 
-TEST_F(Composition, AddingOverAHiddenTopPaintsNothingIntoTheBuffer) {
-  auto hidden = box(MakeRect(0, 0, 20, 20));
-  hidden->setVisible(false);
-  canvas_->addDraw(box(MakeRect(0, 0, 5, 5)));
-  canvas_->addDraw(hidden);
-  canvas_->image();
-  takePaints();
-  canvas_->addDraw(box(MakeRect(30, 0, 5, 5)));
-  EXPECT_EQ(takePaints(), 0);
-  EXPECT_EQ(PixelAt(*canvas_->image(), 10, 10), kTransparent);
-}
-
 // A draw that empties the canvas while it is being painted.
 class ListClearingBox : public DrawRectangle {
  public:
@@ -204,63 +188,39 @@ class ListClearingBox : public DrawRectangle {
 TEST_F(Composition, ThePaintingLoopFollowsAListThatShrinksUnderIt) {
   auto clearing = std::make_shared<ListClearingBox>(canvas_.get());
   clearing->init();
-  canvas_->addDraw(clearing);
-  canvas_->addDraw(box(MakeRect(0, 0, 5, 5)));
-  canvas_->addDraw(box(MakeRect(0, 0, 5, 5)));
+  addAll({clearing, box(MakeRect(0, 0, 5, 5)), box(MakeRect(0, 0, 5, 5))});
   EXPECT_TRUE(canvas_->image());
   EXPECT_EQ(takePaints(), 0);
   EXPECT_TRUE(canvas_->allDraws().empty());
 }
 
 TEST_F(Composition, VisibleDrawsLeaveOutHiddenDrawsAndGroupsWithNothingToShow) {
-  auto shown = box(MakeRect(0, 0, 5, 5));
-  auto hidden = box(MakeRect(0, 0, 5, 5));
+  const Rect r = MakeRect(0, 0, 5, 5);
+  auto shown = box(r), hidden = box(r), hiddenMember = box(r);
   hidden->setVisible(false);
-  auto hiddenMember = box(MakeRect(0, 0, 5, 5));
   hiddenMember->setVisible(false);
-  auto emptyLooking = MakeDraw<DrawGroup>();
-  emptyLooking->setDraws({hiddenMember});
-  auto showing = MakeDraw<DrawGroup>();
-  showing->setDraws({box(MakeRect(0, 0, 5, 5)), hiddenMember});
+  auto showing = group({box(r), hiddenMember});
   canvas_->setBackgroundDraw(DrawImage::withImage(InitImageRep(4, 4)));
-  for (const std::shared_ptr<DrawBase>& draw :
-       std::initializer_list<std::shared_ptr<DrawBase>>{shown, hidden, emptyLooking, showing}) {
-    canvas_->addDraw(draw);
-  }
-  const DrawList expected{canvas_->backgroundDraw(), shown, showing};
-  EXPECT_EQ(canvas_->visibleDraws(), expected);
+  addAll({shown, hidden, group({hiddenMember}), showing});
+  EXPECT_EQ(canvas_->visibleDraws(), (DrawList{canvas_->backgroundDraw(), shown, showing}));
 }
 
+// A group in the collection comes as itself, never as its members; strangers are left out.
 TEST_F(Composition, DrawsInLayerOrderLooksOneLevelIntoGroups) {
-  auto a = box(MakeRect(0, 0, 1, 1));
-  auto b = box(MakeRect(0, 0, 1, 1));
-  auto c = box(MakeRect(0, 0, 1, 1));
-  auto member1 = box(MakeRect(0, 0, 1, 1));
-  auto member2 = box(MakeRect(0, 0, 1, 1));
-  auto group = MakeDraw<DrawGroup>();
-  group->setDraws({member1, member2});
-  auto wholeGroup = MakeDraw<DrawGroup>();
-  wholeGroup->setDraws({c});
-  for (const std::shared_ptr<DrawBase>& draw :
-       std::initializer_list<std::shared_ptr<DrawBase>>{a, group, b, wholeGroup}) {
-    canvas_->addDraw(draw);
-  }
-  auto stranger = box(MakeRect(0, 0, 1, 1));
-  const DrawList ordered =
-      canvas_->drawsInLayerOrder({wholeGroup, stranger, member2, b, member1, c, a});
-  // A group in the collection comes as itself, never as its members.
-  const DrawList expected{a, member1, member2, b, wholeGroup};
-  EXPECT_EQ(ordered, expected);
+  const Rect r = MakeRect(0, 0, 1, 1);
+  auto a = box(r), b = box(r), c = box(r), member1 = box(r), member2 = box(r);
+  auto wholeGroup = group({c});
+  addAll({a, group({member1, member2}), b, wholeGroup});
+  EXPECT_EQ(canvas_->drawsInLayerOrder({wholeGroup, box(r), member2, b, member1, c, a}),
+            (DrawList{a, member1, member2, b, wholeGroup}));
 }
 
 TEST(GetCenterRect, LargeImagesShrinkToFitAndAllAreCentred) {
   const Rect canvas = MakeRect(0, 0, 200, 100);
   EXPECT_EQ(GetCenterRect({400, 100}, canvas), MakeRect(0, 25, 200, 50));
   EXPECT_EQ(GetCenterRect({100, 400}, canvas), MakeRect(87.5, 0, 25, 100));
-  // Equal ratios above 1 take the width rule.
-  EXPECT_EQ(GetCenterRect({400, 200}, canvas), MakeRect(0, 0, 200, 100));
-  // Never enlarged.
-  EXPECT_EQ(GetCenterRect({50, 20}, canvas), MakeRect(75, 40, 50, 20));
+  EXPECT_EQ(GetCenterRect({400, 200}, canvas), MakeRect(0, 0, 200, 100));  // equal ratios: width rule
+  EXPECT_EQ(GetCenterRect({50, 20}, canvas), MakeRect(75, 40, 50, 20));    // never enlarged
   // The ratio is rounded to single precision before it divides.
   const float ratio = static_cast<float>(300.0 / 200.0 * 1.1);
   EXPECT_EQ(GetCenterRect({330, 100}, canvas).size.height, 100 / static_cast<double>(ratio));

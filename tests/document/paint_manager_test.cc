@@ -1,9 +1,8 @@
-// The canvas: creation with its rounding rules, accessors, background,
-// release order and archive.
+// The canvas: creation with its rounding rules, the background's place in
+// the list, release order and archive.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
@@ -19,7 +18,6 @@
 namespace paintdoc {
 namespace {
 
-using test::ArchivedKeysOfRoot;
 using test::KeysAs;
 
 std::shared_ptr<PaintManager> Decode(const std::vector<uint8_t>& archive) {
@@ -27,25 +25,33 @@ std::shared_ptr<PaintManager> Decode(const std::vector<uint8_t>& archive) {
   return KeyedUnarchiver::unarchiveObjectWithData<PaintManager>(SharedBytes::copyOf(archive));
 }
 
-std::shared_ptr<PaintManager> RoundTrip(const PaintManager& canvas) {
-  return Decode(KeyedArchiver::archivedDataWithRootObject(canvas));
+// A canvas decoded from exactly the keys `write` encodes.
+std::shared_ptr<PaintManager> DecodeKeys(std::function<void(KeyedArchiver&)> write) {
+  return Decode(test::ArchiveRoot(KeysAs("PaintManager", std::move(write))));
 }
 
-TEST(PaintManagerCreation, SizeIsTruncatedTowardZero) {
-  EXPECT_EQ(PaintManager::withSize({640.7, 480.2})->canvasSize(), (Size{640, 480}));
-  EXPECT_EQ(PaintManager::withSize({99.9, -0.5})->canvasSize(), (Size{99, 0}));
-  EXPECT_EQ(PaintManager::withSize({-3.7, 0})->canvasSize(), (Size{-3, 0}));
+TEST(PaintManagerCreation, WithSizeTruncatesSetSizeRoundsHalvesAwayFromZero) {
+  const struct {
+    Size given, created, set;
+  } cases[] = {
+      {{640.7, 480.2}, {640, 480}, {641, 480}},
+      {{99.9, -0.5}, {99, 0}, {100, -1}},
+      {{-3.7, 2.5}, {-3, 2}, {-4, 3}},
+      {{0.5, 2.4999}, {0, 2}, {1, 2}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::Message() << c.given.width << " x " << c.given.height);
+    auto canvas = PaintManager::withSize(c.given);
+    EXPECT_EQ(canvas->canvasSize(), c.created);
+    canvas->setSize(c.given);
+    EXPECT_EQ(canvas->canvasSize(), c.set);
+  }
   // Beyond the 32-bit range the side saturates; NaN gives 0.
-  EXPECT_EQ(PaintManager::withSize({1e12, std::nan("")})->canvasSize(),
-            (Size{2147483647.0, 0}));
-}
-
-TEST(PaintManagerCreation, NewCanvasIsEmpty) {
+  EXPECT_EQ(PaintManager::withSize({1e12, std::nan("")})->canvasSize(), (Size{2147483647.0, 0}));
   auto canvas = PaintManager::withSize({10, 10});
   EXPECT_TRUE(canvas->allDraws().empty());
   EXPECT_EQ(canvas->backgroundDraw(), nullptr);
   EXPECT_FALSE(canvas->maskBackground());
-  EXPECT_EQ(canvas->toppestDraw(), nullptr);
   EXPECT_EQ(PaintManager::version(), 10);
 }
 
@@ -63,44 +69,25 @@ TEST(PaintManagerCreation, FromAnImageTheImageIsTheOnlyDrawAndTheBackground) {
   // The bitmap is used as it is only without the TIFF trip.
   EXPECT_EQ(PaintManager::withImageRep(picture)->backgroundDraw()->image(), picture);
   EXPECT_NE(PaintManager::withImage(picture)->backgroundDraw()->image(), picture);
-}
-
-TEST(PaintManagerCreation, FromNoImageAnEmptyHundredByHundredCanvas) {
+  // No image: an empty 100 by 100 canvas.
   for (auto canvas : {PaintManager::withImage(nullptr), PaintManager::withImageRep(nullptr)}) {
     EXPECT_EQ(canvas->canvasSize(), (Size{100, 100}));
     EXPECT_TRUE(canvas->allDraws().empty());
-    EXPECT_EQ(canvas->backgroundDraw(), nullptr);
   }
 }
 
-TEST(PaintManagerCreation, SetSizeRoundsHalvesAwayFromZero) {
-  auto canvas = PaintManager::withSize({1, 1});
-  canvas->setSize({640.7, 480.2});
-  EXPECT_EQ(canvas->canvasSize(), (Size{641, 480}));
-  canvas->setSize({0.5, -0.5});
-  EXPECT_EQ(canvas->canvasSize(), (Size{1, -1}));
-  canvas->setSize({2.5, 2.4999});
-  EXPECT_EQ(canvas->canvasSize(), (Size{3, 2}));
-}
-
-TEST(PaintManagerAccessors, ToppestDrawIsTheLastElement) {
+TEST(PaintManagerAccessors, BackgroundIsAlwaysElementZeroListedOnceAndToppestIsTheLast) {
   auto canvas = PaintManager::withSize({10, 10});
-  auto background = MakeDraw<DrawImage>();
-  canvas->setBackgroundDraw(background);
-  EXPECT_EQ(canvas->toppestDraw(), background);  // the background alone
-  auto line = MakeDraw<DrawLine>();
-  canvas->allDraws().push_back(line);
-  EXPECT_EQ(canvas->toppestDraw(), line);
-}
-
-TEST(PaintManagerAccessors, BackgroundIsAlwaysElementZeroAndListedOnce) {
-  auto canvas = PaintManager::withSize({10, 10});
+  EXPECT_EQ(canvas->toppestDraw(), nullptr);
   auto line = MakeDraw<DrawLine>();
   auto first = MakeDraw<DrawImage>();
   auto second = MakeDraw<DrawImage>();
+  canvas->setBackgroundDraw(first);
+  EXPECT_EQ(canvas->toppestDraw(), first);  // the background alone
   canvas->allDraws() = {line, second};
   canvas->setBackgroundDraw(first);
   EXPECT_EQ(canvas->allDraws(), (DrawList{first, line, second}));
+  EXPECT_EQ(canvas->toppestDraw(), second);
   // A draw already in the list moves to the bottom; the old background leaves.
   canvas->setBackgroundDraw(second);
   EXPECT_EQ(canvas->allDraws(), (DrawList{second, line}));
@@ -112,47 +99,29 @@ TEST(PaintManagerAccessors, BackgroundIsAlwaysElementZeroAndListedOnce) {
   EXPECT_EQ(canvas->allDraws(), (DrawList{line}));
 }
 
-TEST(PaintManagerAccessors, ImageIsABitmapOfTheCanvasSize) {
-  auto canvas = PaintManager::withSize({30, 20});
-  auto image = canvas->image();
-  ASSERT_NE(image, nullptr);
-  EXPECT_EQ(image->pixelsWide(), 30);
-  EXPECT_EQ(image->pixelsHigh(), 20);
-  EXPECT_EQ(canvas->image(), image);  // cached until released
-  canvas->clearMemeryBuffer();
-  EXPECT_NE(canvas->image(), nullptr);
-}
-
+// Someone else still holds the group: releasing the canvas must still break
+// the member's link to it.
 TEST(PaintManagerRelease, GroupsLetGoOfTheirMembersFirst) {
   auto member = MakeDraw<DrawLine>();
-  {
-    auto canvas = PaintManager::withSize({10, 10});
-    auto group = MakeDraw<DrawGroup>();
-    group->setDraws({member});
-    canvas->allDraws().push_back(group);
-    EXPECT_EQ(member->group(), group.get());
-    // Someone else still holds the group: releasing the canvas must still
-    // break the member's link to it.
-    auto keep = group;
-    canvas.reset();
-    EXPECT_EQ(member->group(), nullptr);
-    EXPECT_TRUE(keep->draws().empty());
-  }
+  auto canvas = PaintManager::withSize({10, 10});
+  auto group = MakeDraw<DrawGroup>();
+  group->setDraws({member});
+  canvas->allDraws().push_back(group);
+  EXPECT_EQ(member->group(), group.get());
+  canvas.reset();
+  EXPECT_EQ(member->group(), nullptr);
+  EXPECT_TRUE(group->draws().empty());
 }
 
-TEST(PaintManagerArchive, WritesTheFourKeysInTheirForms) {
-  auto canvas = PaintManager::withSize({640, 480});
-  EXPECT_EQ(ArchivedKeysOfRoot(KeyedArchiver::archivedDataWithRootObject(*canvas)),
+TEST(PaintManagerArchive, RoundTripWritesTheFourKeysAndKeepsBackgroundAtIndexZero) {
+  auto canvas = PaintManager::withSize({64, 48});
+  EXPECT_EQ(test::ArchivedKeysOfRoot(KeyedArchiver::archivedDataWithRootObject(*canvas)),
             (std::set<std::string>{"CanvasSize", "DrawsArray", "HasBackground",
                                    "MaskWithBackground"}));
-}
-
-TEST(PaintManagerArchive, RoundTripKeepsBackgroundAtIndexZeroAndTheMaskFlag) {
-  auto canvas = PaintManager::withSize({64, 48});
   canvas->allDraws() = {MakeDraw<DrawRectangle>(), MakeDraw<DrawLine>()};
   canvas->setBackgroundDraw(MakeDraw<DrawImage>());
   canvas->setMaskBackground(true);
-  auto copy = RoundTrip(*canvas);
+  auto copy = Decode(KeyedArchiver::archivedDataWithRootObject(*canvas));
   ASSERT_NE(copy, nullptr);
   EXPECT_EQ(copy->canvasSize(), (Size{64, 48}));
   ASSERT_EQ(copy->allDraws().size(), 3u);
@@ -163,40 +132,33 @@ TEST(PaintManagerArchive, RoundTripKeepsBackgroundAtIndexZeroAndTheMaskFlag) {
   EXPECT_TRUE(copy->maskBackground());
 }
 
+// The flag needs a leading image; a leading image without it is an ordinary layer.
 TEST(PaintManagerArchive, BackgroundFlagNeedsALeadingImage) {
   const KeysAs rectangle("DrawRectangle", [](KeyedArchiver&) {});
   const KeysAs image("DrawImage", [](KeyedArchiver&) {});
-  auto withFirst = [](const KeysAs& first, const KeysAs& second) {
-    return Decode(test::ArchiveRoot(KeysAs("PaintManager", [&](KeyedArchiver& c) {
-      c.encodeObjectArrayForKey({&first, &second}, "DrawsArray");
-      c.encodeBoolForKey(true, "HasBackground");
-    })));
+  auto decode = [](std::vector<const Codable*> draws, bool flag) {
+    return DecodeKeys([&](KeyedArchiver& c) {
+      c.encodeObjectArrayForKey(draws, "DrawsArray");
+      if (flag) c.encodeBoolForKey(true, "HasBackground");
+    });
   };
-  auto noBackground = withFirst(rectangle, image);
+  auto noBackground = decode({&rectangle, &image}, true);
   EXPECT_EQ(noBackground->backgroundDraw(), nullptr);
   EXPECT_EQ(noBackground->allDraws().size(), 2u);
-  auto background = withFirst(image, rectangle);
+  auto background = decode({&image, &rectangle}, true);
   EXPECT_EQ(background->backgroundDraw(), background->allDraws()[0]);
-  // A leading image without the flag stays an ordinary layer.
-  auto unflagged = Decode(test::ArchiveRoot(KeysAs("PaintManager", [&](KeyedArchiver& c) {
-    c.encodeObjectArrayForKey({&image}, "DrawsArray");
-  })));
+  auto unflagged = decode({&image}, false);
   EXPECT_EQ(unflagged->backgroundDraw(), nullptr);
   EXPECT_EQ(unflagged->allDraws().size(), 1u);
 }
 
-TEST(PaintManagerArchive, MissingKeysGiveAnEmptyZeroCanvas) {
-  auto canvas = Decode(test::ArchiveRoot(KeysAs("PaintManager", [](KeyedArchiver&) {})));
+TEST(PaintManagerArchive, MissingKeysGiveAnEmptyZeroCanvasAndSizeIsReadWithoutRounding) {
+  auto canvas = DecodeKeys([](KeyedArchiver&) {});
   ASSERT_NE(canvas, nullptr);
   EXPECT_EQ(canvas->canvasSize(), (Size{0, 0}));
   EXPECT_TRUE(canvas->allDraws().empty());
   EXPECT_FALSE(canvas->maskBackground());
-}
-
-TEST(PaintManagerArchive, SizeIsReadWithoutRounding) {
-  auto canvas = Decode(test::ArchiveRoot(KeysAs("PaintManager", [](KeyedArchiver& c) {
-    c.encodeStringForKey("{100.75, 20.5}", "CanvasSize");
-  })));
+  canvas = DecodeKeys([](KeyedArchiver& c) { c.encodeStringForKey("{100.75, 20.5}", "CanvasSize"); });
   EXPECT_EQ(canvas->canvasSize(), (Size{100.75, 20.5}));
 }
 
@@ -206,10 +168,10 @@ TEST(PaintManagerArchive, UnknownClassesAndRepeatedDrawsAreLeftOut) {
   const KeysAs group("DrawGroup", [&](KeyedArchiver& c) {
     c.encodeObjectArrayForKey({&line}, "Draws");
   });
-  auto canvas = Decode(test::ArchiveRoot(KeysAs("PaintManager", [&](KeyedArchiver& c) {
-    // The line is placed at the top level twice and inside the group.
+  // The line is placed at the top level twice and inside the group.
+  auto canvas = DecodeKeys([&](KeyedArchiver& c) {
     c.encodeObjectArrayForKey({&line, &future, &group, &line}, "DrawsArray");
-  })));
+  });
   ASSERT_NE(canvas, nullptr);
   ASSERT_EQ(canvas->allDraws().size(), 1u);
   auto decodedGroup = std::dynamic_pointer_cast<DrawGroup>(canvas->allDraws()[0]);

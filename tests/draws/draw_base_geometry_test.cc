@@ -5,6 +5,7 @@
 
 #include "draws/draw_base.h"
 #include "platform/log.h"
+#include "support/geometry_near.h"
 
 namespace paintdoc {
 namespace {
@@ -25,38 +26,30 @@ class ProbeDraw : public DrawBase {
   int pathDataResets = 0;
 };
 
-// A draw of the given outline rectangle and rotation.
-std::shared_ptr<ProbeDraw> RectDraw(const Rect& rect, float rotation = 0) {
+using test::ExpectPointNear;
+using test::ExpectRectNear;
+
+// A draw of the given outline and rotation.
+std::shared_ptr<ProbeDraw> PathDraw(const BezierPath& path, float rotation = 0) {
   auto draw = MakeDraw<ProbeDraw>();
-  draw->setBezierPathWithData(ArchiveValue(BezierPath::withRect(rect)));
+  draw->setBezierPathWithData(ArchiveValue(path));
   draw->setFields(rotation);
   draw->pathDataResets = 0;
   return draw;
 }
-
-void ExpectPointNear(const Point& actual, const Point& expected, double tolerance = 1e-9) {
-  EXPECT_NEAR(actual.x, expected.x, tolerance);
-  EXPECT_NEAR(actual.y, expected.y, tolerance);
-}
-
-void ExpectRectNear(const Rect& actual, const Rect& expected, double tolerance = 1e-9) {
-  ExpectPointNear(actual.origin, expected.origin, tolerance);
-  EXPECT_NEAR(actual.size.width, expected.size.width, tolerance);
-  EXPECT_NEAR(actual.size.height, expected.size.height, tolerance);
+std::shared_ptr<ProbeDraw> RectDraw(const Rect& rect, float rotation = 0) {
+  return PathDraw(BezierPath::withRect(rect), rotation);
 }
 
 TEST(DrawBaseBounds, MissingOrEmptyPathGivesZeroRectAndIdentity) {
   DrawBase bare;  // zero state: no path at all
-  EXPECT_EQ(bare.pathBounds(), ZeroRect());
-  EXPECT_EQ(bare.controlBounds(), ZeroRect());
-  EXPECT_TRUE(bare.transform().isIdentity());
-
-  auto empty = MakeDraw<ProbeDraw>();
-  empty->setFields(30);
-  EXPECT_EQ(empty->pathBounds(), ZeroRect());
-  EXPECT_EQ(empty->controlBounds(), ZeroRect());
-  EXPECT_TRUE(empty->transform().isIdentity());
-  EXPECT_TRUE(empty->invertTransform().isIdentity());
+  auto empty = PathDraw(BezierPath(), 30);
+  for (const DrawBase* draw : std::initializer_list<const DrawBase*>{&bare, empty.get()}) {
+    EXPECT_EQ(draw->pathBounds(), ZeroRect());
+    EXPECT_EQ(draw->controlBounds(), ZeroRect());
+    EXPECT_TRUE(draw->transform().isIdentity());
+    EXPECT_TRUE(draw->invertTransform().isIdentity());
+  }
 }
 
 TEST(DrawBaseBounds, ControlBoundsOfRotatedSquareGrowBySquareRootOfTwo) {
@@ -68,11 +61,10 @@ TEST(DrawBaseBounds, ControlBoundsOfRotatedSquareGrowBySquareRootOfTwo) {
 }
 
 TEST(DrawBaseBounds, ControlBoundsCoverCurveControlPoints) {
-  auto draw = MakeDraw<ProbeDraw>();
   BezierPath curve;
   curve.moveTo({0, 0});
   curve.curveTo({100, 0}, {25, 80}, {75, 80});
-  draw->setBezierPathWithData(ArchiveValue(curve));
+  auto draw = PathDraw(curve);
   EXPECT_EQ(draw->pathBounds(), MakeRect(0, 0, 100, 60));  // the curve peaks at 0.75 x 80
   EXPECT_EQ(draw->controlBounds(), MakeRect(0, 0, 100, 80));
 }
@@ -91,24 +83,14 @@ TEST(DrawBaseTransform, TurnsAboutTheCentreAndBack) {
   EXPECT_TRUE(flat->transform().isIdentity());
 }
 
-TEST(DrawBaseRotation, SetRotateDegreeNormalises) {
+TEST(DrawBaseRotation, SetRotateDegreeNormalisesRefusesNonFiniteAndBoundsHugeAngles) {
   auto draw = MakeDraw<ProbeDraw>();
-  draw->setRotateDegree(190);
-  EXPECT_EQ(draw->rotateDegree(), -170);
-  draw->setRotateDegree(-540);
-  EXPECT_EQ(draw->rotateDegree(), -180);
-  draw->setRotateDegree(180);
-  EXPECT_EQ(draw->rotateDegree(), 180);
-  draw->setRotateDegree(-180);
-  EXPECT_EQ(draw->rotateDegree(), -180);
-  draw->setRotateDegree(900);
-  EXPECT_EQ(draw->rotateDegree(), 180);
-  draw->setRotateDegree(-181);
-  EXPECT_EQ(draw->rotateDegree(), 179);
-}
-
-TEST(DrawBaseRotation, SetRotateDegreeRefusesNonFiniteAndBoundsHugeAngles) {
-  auto draw = MakeDraw<ProbeDraw>();
+  const std::pair<float, float> normalised[] = {{190, -170}, {-540, -180}, {180, 180},
+                                                {-180, -180}, {900, 180},  {-181, 179}};
+  for (auto [given, kept] : normalised) {
+    draw->setRotateDegree(given);
+    EXPECT_EQ(draw->rotateDegree(), kept) << given;
+  }
   draw->setRotateDegree(45);
   {
     LogCapture log;
@@ -122,24 +104,20 @@ TEST(DrawBaseRotation, SetRotateDegreeRefusesNonFiniteAndBoundsHugeAngles) {
   EXPECT_LE(draw->rotateDegree(), 180);
 }
 
-TEST(DrawBaseRotation, RotateByDegreeAddsWithoutNormalising) {
+// The angle adds up without normalising; the centre turns about the pivot
+// while the outline is only moved.
+TEST(DrawBaseRotation, RotateByDegreeAddsAndTurnsTheCentreAboutThePivot) {
   const auto draw = RectDraw(MakeRect(20, -5, 10, 10), 100);  // centre (25, 0)
   draw->rotateByDegree(90, {0, 0});
   draw->rotateByDegree(90, {0, 0});
   EXPECT_EQ(draw->rotateDegree(), 280);
-  // The centre went half a turn about the origin; the outline was only moved.
-  const Rect bounds = draw->pathBounds();
-  EXPECT_NEAR(bounds.midX(), -25, 1e-5);
-  EXPECT_NEAR(bounds.midY(), 0, 1e-5);
-  EXPECT_EQ(bounds.size, (Size{10, 10}));
-}
-
-TEST(DrawBaseRotation, RotateByDegreeAboutAnOutsideCentre) {
-  const auto draw = RectDraw(MakeRect(10, 0, 4, 2));  // centre (12, 1)
-  draw->rotateByDegree(-90, {2, 1});                  // 10 right of the pivot -> 10 below
-  ExpectPointNear(draw->rotateCenter(), {2, -9}, 1e-5);
-  EXPECT_EQ(draw->pathBounds().size, (Size{4, 2}));
-  EXPECT_EQ(draw->rotateDegree(), -90);
+  ExpectPointNear(draw->rotateCenter(), {-25, 0}, 1e-5);
+  EXPECT_EQ(draw->pathBounds().size, (Size{10, 10}));
+  const auto outside = RectDraw(MakeRect(10, 0, 4, 2));  // centre (12, 1)
+  outside->rotateByDegree(-90, {2, 1});                  // 10 right of the pivot -> 10 below
+  ExpectPointNear(outside->rotateCenter(), {2, -9}, 1e-5);
+  EXPECT_EQ(outside->pathBounds().size, (Size{4, 2}));
+  EXPECT_EQ(outside->rotateDegree(), -90);
 }
 
 TEST(DrawBaseRotation, ApplyRotationBakesTheTurnIntoTheOutline) {
@@ -162,14 +140,12 @@ TEST(DrawBaseMove, MoveByTranslatesTheOutline) {
 }
 
 TEST(DrawBaseFlip, HorizontalFlipKeepsCentreAndNegatesRotation) {
-  auto draw = MakeDraw<ProbeDraw>();
   BezierPath triangle;
   triangle.moveTo({0, 0});
   triangle.lineTo({30, 0});
   triangle.lineTo({0, 10});
   triangle.closePath();
-  draw->setBezierPathWithData(ArchiveValue(triangle));
-  draw->setFields(30);
+  auto draw = PathDraw(triangle, 30);
   const Point center = draw->rotateCenter();
   draw->flip(true);
   EXPECT_EQ(draw->rotateCenter(), center);
@@ -179,14 +155,18 @@ TEST(DrawBaseFlip, HorizontalFlipKeepsCentreAndNegatesRotation) {
   EXPECT_EQ(flipped.elementAt(1).points[0], (Point{0, 0}));
   EXPECT_EQ(flipped.elementAt(2).points[0], (Point{30, 10}));
   EXPECT_EQ(draw->highlightClears, 1);
+  // An empty outline is left alone.
+  auto empty = PathDraw(BezierPath(), 30);
+  empty->flip(true);
+  EXPECT_EQ(empty->rotateDegree(), 30);
+  EXPECT_EQ(empty->highlightClears, 0);
 }
 
 TEST(DrawBaseFlip, VerticalFlipMirrorsTopToBottom) {
-  const auto draw = RectDraw(MakeRect(0, 10, 8, 6));
   BezierPath path;
   path.moveTo({0, 10});
   path.lineTo({8, 16});
-  draw->setBezierPathWithData(ArchiveValue(path));
+  const auto draw = PathDraw(path);
   draw->flip(false);
   EXPECT_EQ(draw->bezierPath()->elementAt(0).points[0], (Point{0, 16}));
   EXPECT_EQ(draw->bezierPath()->elementAt(1).points[0], (Point{8, 10}));
@@ -199,14 +179,6 @@ TEST(DrawBaseFlip, FlipWithCentreMirrorsAcrossThatCentre) {
   EXPECT_EQ(draw->pathBounds(), MakeRect(26, 0, 4, 2));
   draw->flip(false, {20, 5});                         // centre y 1 -> 9
   EXPECT_EQ(draw->pathBounds(), MakeRect(26, 8, 4, 2));
-}
-
-TEST(DrawBaseFlip, EmptyPathIsLeftAlone) {
-  auto draw = MakeDraw<ProbeDraw>();
-  draw->setFields(30);
-  draw->flip(true);
-  EXPECT_EQ(draw->rotateDegree(), 30);
-  EXPECT_EQ(draw->highlightClears, 0);
 }
 
 // A stroked, shadowed draw with a 2-wide {6, 3} dash at phase 1.
@@ -223,10 +195,12 @@ std::shared_ptr<ProbeDraw> StyledDraw() {
 
 TEST(DrawBaseScale, ResizingLineWidthScalesProportionally) {
   const auto draw = StyledDraw();
+  draw->path().setLineDash({6, 3}, 1.5);
   draw->scaleBy(2, 3, {0, 0}, true);
   EXPECT_EQ(draw->pathBounds(), MakeRect(20, 20, 20, 20));  // by (2, 2), not (2, 3)
   EXPECT_EQ(draw->bezierPath()->lineWidth(), 4);
   EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{12, 6}));
+  EXPECT_EQ(draw->bezierPath()->lineDashPhase(), 1.5);  // the phase is kept
   EXPECT_EQ(draw->shadow()->shadowBlurRadius(), 6);
   EXPECT_EQ(draw->shadow()->shadowOffset(), (Size{8, -4}));
   // The inner shadow is off, so it keeps its size.
@@ -234,30 +208,17 @@ TEST(DrawBaseScale, ResizingLineWidthScalesProportionally) {
   EXPECT_EQ(draw->highlightClears, 1);
 }
 
-TEST(DrawBaseScale, ResizingKeepsTheDashPhase) {
+TEST(DrawBaseScale, WithoutResizingOnlyTheOutlineChangesAndZeroFactorsNothing) {
   const auto draw = StyledDraw();
-  draw->path().setLineDash({6, 3}, 1.5);
-  draw->scaleBy(2, 2, {0, 0}, true);
-  EXPECT_EQ(draw->bezierPath()->lineDashPhase(), 1.5);
-  EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{12, 6}));
-}
-
-TEST(DrawBaseScale, WithoutResizingOnlyTheOutlineChanges) {
-  const auto draw = StyledDraw();
+  draw->scaleBy(0, 2, {0, 0}, true);
+  draw->scaleBy(2, 0, {0, 0}, false);
+  EXPECT_EQ(draw->pathBounds(), MakeRect(10, 10, 10, 10));
+  EXPECT_EQ(draw->highlightClears, 0);
   draw->scaleBy(2, 3, {10, 10}, false);  // about the lower left corner
   EXPECT_EQ(draw->pathBounds(), MakeRect(10, 10, 20, 30));
   EXPECT_EQ(draw->bezierPath()->lineWidth(), 2);
   EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{6, 3}));
   EXPECT_EQ(draw->shadow()->shadowBlurRadius(), 3);
-}
-
-TEST(DrawBaseScale, ZeroFactorChangesNothing) {
-  const auto draw = StyledDraw();
-  draw->scaleBy(0, 2, {0, 0}, true);
-  draw->scaleBy(2, 0, {0, 0}, false);
-  EXPECT_EQ(draw->pathBounds(), MakeRect(10, 10, 10, 10));
-  EXPECT_EQ(draw->bezierPath()->lineWidth(), 2);
-  EXPECT_EQ(draw->highlightClears, 0);
 }
 
 TEST(DrawBaseScale, RadialGradientCentreIsMultipliedWithoutTranslation) {
@@ -284,12 +245,22 @@ TEST(DrawBaseScale, ClassesWithoutStrokeKeepTheirLineWidth) {
   EXPECT_EQ(draw->pathBounds(), MakeRect(0, 0, 2, 2));
 }
 
+// The dash keeps its proportion to the width, except from width 0; a dash of
+// one entry makes the line solid.
 TEST(DrawBaseLine, DashKeepsItsProportionToTheWidth) {
   const auto draw = StyledDraw();
   draw->setBezierPathLineWidth(4);
   EXPECT_EQ(draw->bezierPath()->lineWidth(), 4);
   EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{12, 6}));
   EXPECT_EQ(draw->bezierPath()->lineDashPhase(), 0);
+  draw->setBezierPathLineWidth(0);
+  EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{0, 0}));
+  draw->setBezierPathLineDash(std::vector<double>{6, 3});
+  draw->setBezierPathLineWidth(5);
+  EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{6, 3}));
+  EXPECT_EQ(draw->bezierPath()->lineWidth(), 5);
+  draw->setBezierPathLineDash(std::vector<double>{5});
+  EXPECT_TRUE(draw->bezierPath()->lineDash().empty());
 }
 
 TEST(DrawBaseLine, SettersCreateAMissingPath) {
@@ -303,22 +274,6 @@ TEST(DrawBaseLine, SettersCreateAMissingPath) {
   dashOnly.setBezierPathLineDash(std::vector<double>{2, 1});
   ASSERT_TRUE(dashOnly.bezierPath().has_value());
   EXPECT_EQ(dashOnly.bezierPath()->lineDash(), (std::vector<double>{2, 1}));
-}
-
-TEST(DrawBaseLine, ShortDashMakesTheLineSolid) {
-  const auto draw = StyledDraw();
-  draw->setBezierPathLineDash(std::vector<double>{5});
-  EXPECT_TRUE(draw->bezierPath()->lineDash().empty());
-}
-
-TEST(DrawBaseLine, WidthFromZeroLeavesTheDashAlone) {
-  const auto draw = StyledDraw();
-  draw->setBezierPathLineWidth(0);
-  EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{0, 0}));
-  draw->setBezierPathLineDash(std::vector<double>{6, 3});
-  draw->setBezierPathLineWidth(5);  // no proportion to keep from width 0
-  EXPECT_EQ(draw->bezierPath()->lineDash(), (std::vector<double>{6, 3}));
-  EXPECT_EQ(draw->bezierPath()->lineWidth(), 5);
 }
 
 }  // namespace

@@ -105,27 +105,18 @@ std::shared_ptr<DrawBase> Create(const char* name) {
   return draw;
 }
 
-TEST(DrawClassTree, EveryClassIsRegisteredUnderItsNameWithItsSuperclass) {
+TEST(DrawClassTree, EveryClassIsRegisteredWithItsSuperclassTraitsAndDisplayName) {
   RegisterAllClasses();
   for (const ExpectedClass& expected : kClasses) {
     SCOPED_TRACE(expected.name);
     const ClassInfo* info = ClassRegistry::shared().find(expected.name);
     ASSERT_NE(info, nullptr);
     EXPECT_EQ(info->superclass, expected.superclass);
+    EXPECT_TRUE(ClassRegistry::shared().isKindOf(expected.name, "DrawBase"));
+    EXPECT_EQ(ClassRegistry::shared().classChain(expected.name).back(), "NSObject");
     auto draw = Create(expected.name);
     ASSERT_NE(draw, nullptr);
     EXPECT_EQ(draw->className(), expected.name);
-    EXPECT_TRUE(ClassRegistry::shared().isKindOf(expected.name, "DrawBase"));
-    EXPECT_EQ(ClassRegistry::shared().classChain(expected.name).back(), "NSObject");
-  }
-}
-
-TEST(DrawClassTree, EveryClassAnswersItsTraitsAndDisplayName) {
-  RegisterAllClasses();
-  for (const ExpectedClass& expected : kClasses) {
-    SCOPED_TRACE(expected.name);
-    auto draw = Create(expected.name);
-    ASSERT_NE(draw, nullptr);
     EXPECT_EQ(TraitsOf(*draw), Parse(expected.traits));
     if (expected.displayName) {
       EXPECT_EQ(draw->name(), expected.displayName);
@@ -147,17 +138,15 @@ TEST(DrawClassTree, ShiftRatiosAndCreationFromTheCentre) {
   EXPECT_FALSE(MakeDraw<DrawEllipse>()->startFromCenterWhenCreating());
 }
 
-TEST(DrawClassTree, ResizingGivesABorderOnlyWhereTheBaseRuleApplies) {
+// Resizing gives a line a border but not a rectangle, whose own rule looks
+// only at the outline trait; a group's border counts its visible members.
+TEST(DrawClassTree, BorderFollowsResizingForLinesAndVisibleMembersForGroups) {
   auto line = MakeDraw<DrawLine>();
   line->setResizing(true);
   EXPECT_TRUE(line->hasBorder());
-  // A rectangle's own rule looks only at the outline trait.
   auto rectangle = MakeDraw<DrawRectangle>();
   rectangle->setResizing(true);
   EXPECT_FALSE(rectangle->hasBorder());
-}
-
-TEST(DrawClassTree, GroupBorderCountsItsVisibleMembers) {
   auto group = MakeDraw<DrawGroup>();
   EXPECT_FALSE(group->hasBorder());  // empty
   auto borderless = MakeDraw<DrawRectangle>();

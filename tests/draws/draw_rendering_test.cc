@@ -17,7 +17,9 @@
 #include "platform/graphics_context.h"
 #include "platform/log.h"
 #include "raster/bitmap_functions.h"
+#include "support/geometry_near.h"
 #include "support/golden_image.h"
+#include "support/pixel_math.h"
 
 namespace paintdoc {
 namespace {
@@ -25,6 +27,7 @@ namespace {
 using test::ImagesMatch;
 using test::MakeImage;
 using test::PixelAt;
+using test::PixelValue;
 
 constexpr Rgba8 kTransparent{0, 0, 0, 0};
 
@@ -50,24 +53,6 @@ std::shared_ptr<Bitmap> Compose(int width, int height, const DrawList& draws) {
 }
 
 // --- expected pixels
-
-struct Premultiplied {
-  double red = 0, green = 0, blue = 0, alpha = 0;
-};
-
-Premultiplied FromStraight(double red, double green, double blue, double alpha) {
-  return {red * alpha, green * alpha, blue * alpha, alpha};
-}
-
-Premultiplied Over(const Premultiplied& source, const Premultiplied& destination) {
-  const double keep = 1 - source.alpha;
-  return {source.red + destination.red * keep, source.green + destination.green * keep,
-          source.blue + destination.blue * keep, source.alpha + destination.alpha * keep};
-}
-
-Rgba8 ToPixel(const Premultiplied& p) {
-  return {test::ToByte(p.red), test::ToByte(p.green), test::ToByte(p.blue), test::ToByte(p.alpha)};
-}
 
 // Whether the centre of pixel (x, y) lies in the rectangle.
 bool CentreIn(int x, int y, const Rect& r) {
@@ -143,11 +128,7 @@ TEST(DrawRect, GrowsByHalfTheLineWidthOnlyWhenStroked) {
 TEST(DrawRect, BoundsTheRotatedOutline) {
   auto rectangle = Rectangle(MakeRect(0, 0, 40, 20), Color::redColor(), std::nullopt);
   rectangle->setRotateDegree(90);
-  const Rect bounds = rectangle->drawRect();
-  EXPECT_NEAR(bounds.origin.x, 10, 1e-9);
-  EXPECT_NEAR(bounds.origin.y, -10, 1e-9);
-  EXPECT_NEAR(bounds.size.width, 20, 1e-9);
-  EXPECT_NEAR(bounds.size.height, 40, 1e-9);
+  test::ExpectRectNear(rectangle->drawRect(), MakeRect(10, -10, 20, 40));
 }
 
 TEST(RenderedRect, AddsTheShadowsOffsetAndBlurAndIsIntegral) {
@@ -200,11 +181,8 @@ TEST(RenderedImage, PaintsTheDrawAloneAtItsRenderedRect) {
   auto rectangle = Rectangle(MakeRect(10, 20, 6, 4), Color::redColor(), std::nullopt);
   auto image = rectangle->renderedImage();
   ASSERT_TRUE(image);
-  EXPECT_EQ(image->pixelsWide(), 6);
-  EXPECT_EQ(image->pixelsHigh(), 4);
-  for (int y = 0; y < 4; ++y) {
-    for (int x = 0; x < 6; ++x) EXPECT_EQ(PixelAt(*image, x, y), (Rgba8{255, 0, 0, 255}));
-  }
+  EXPECT_TRUE(ImagesMatch(*image, *MakeImage(6, 4, [](int, int) { return Rgba8{255, 0, 0, 255}; }),
+                          0, "rendered_image"));
 }
 
 TEST(RenderedImage, NoneForEmptyOutlinesAndAreasWithoutWidth) {
@@ -322,17 +300,17 @@ TEST(ShadowPixels, FilledAndStrokedShapeCastsOneShadow) {
   rectangle->setShadow(Shadow(Color::calibratedWhite(0, 0.5), offset, 0));
   auto image = Compose(100, 80, {rectangle});
 
-  const Premultiplied shadow = FromStraight(0, 0, 0, 0.5);
+  const PixelValue shadow = PixelValue::straight(0, 0, 0, 0.5);
   auto expected = MakeImage(100, 80, [&](int x, int y) {
     const int sx = x - static_cast<int>(offset.width), sy = y - static_cast<int>(offset.height);
-    Premultiplied pixel;
-    if (CentreIn(sx, sy, box)) pixel = Over(shadow, pixel);
-    if (CentreIn(x, y, box)) pixel = FromStraight(1, 1, 0, 1);
+    PixelValue pixel;
+    if (CentreIn(sx, sy, box)) pixel = test::SourceOver(shadow, pixel);
+    if (CentreIn(x, y, box)) pixel = PixelValue::straight(1, 1, 0, 1);
     if (CentreInStrokeBand(sx, sy, box, strokeWidth) && !CentreIn(x, y, box)) {
-      pixel = Over(shadow, pixel);
+      pixel = test::SourceOver(shadow, pixel);
     }
-    if (CentreInStrokeBand(x, y, box, strokeWidth)) pixel = FromStraight(0, 0, 1, 1);
-    return ToPixel(pixel);
+    if (CentreInStrokeBand(x, y, box, strokeWidth)) pixel = PixelValue::straight(0, 0, 1, 1);
+    return pixel.toRgba8();
   });
   EXPECT_TRUE(ImagesMatch(*image, *expected, 2, "fill_stroke_shadow"));
 }
@@ -350,9 +328,9 @@ TEST(ShadowPixels, InnerShadowIsABandInsideTheOutlineOppositeItsOffset) {
   const Rect moved = RectOffset(box, 6, -6);
   auto expected = MakeImage(60, 50, [&](int x, int y) {
     if (!CentreIn(x, y, box)) return kTransparent;
-    Premultiplied pixel = FromStraight(1, 1, 1, 1);
-    if (!CentreIn(x, y, moved)) pixel = Over(FromStraight(0, 0, 0, 0.6), pixel);
-    return ToPixel(pixel);
+    PixelValue pixel = PixelValue::straight(1, 1, 1, 1);
+    if (!CentreIn(x, y, moved)) pixel = test::SourceOver(PixelValue::straight(0, 0, 0, 0.6), pixel);
+    return pixel.toRgba8();
   });
   EXPECT_TRUE(ImagesMatch(*image, *expected, 2, "inner_shadow"));
 }
@@ -402,7 +380,7 @@ TEST(GradientPixels, GradientBoxRotatedBy30DegreesPaintsAt120) {
     const double along =
         ((x + 0.5 - start.x) * direction.x + (y + 0.5 - start.y) * direction.y) / length;
     const double t = std::clamp(along, 0.0, 1.0);
-    return ToPixel(FromStraight(1 - t, 0, t, 1));
+    return PixelValue::straight(1 - t, 0, t, 1).toRgba8();
   });
   // Pixels cut by the outline's edge have no exact expected coverage.
   auto edge = [&](int x, int y) {
@@ -456,14 +434,15 @@ void ExpectReflection(float strength, const std::string& name) {
     const double below = box.minY() - (y + 0.5);
     if (below < 0 || below > height) return kTransparent;
     const double alpha = nearAlpha + (farAlpha - nearAlpha) * below / height;
-    return ToPixel(FromStraight(1, 0, 0, alpha));
+    return PixelValue::straight(1, 0, 0, alpha).toRgba8();
   });
   EXPECT_TRUE(ImagesMatch(*image, *expected, 2, name)) << "strength " << strength;
 }
 
-TEST(ReflectionPixels, StrengthHalfFadesOutOverHalfTheHeight) { ExpectReflection(0.5f, "reflection_0_5"); }
-
-TEST(ReflectionPixels, StrengthOneAndAHalfShowsTheWholeHeightHalfOpaqueAtTheEnd) {
+// At strength 0.5 it fades out over half the height; at 1.5 it shows the whole
+// height and ends half opaque.
+TEST(ReflectionPixels, StrengthSetsTheHeightAndTheFade) {
+  ExpectReflection(0.5f, "reflection_0_5");
   ExpectReflection(1.5f, "reflection_1_5");
 }
 

@@ -21,22 +21,15 @@ std::shared_ptr<DrawBase> LineWithDash(std::vector<double> dash) {
       }))));
 }
 
+// Whole numbers joined by colons; exact halves round to even, as the C library
+// formats them; fewer than two entries give no text; at most 100 are read.
 TEST(LineDashStyle, EntriesAreWholeNumbersJoinedByColons) {
-  EXPECT_EQ(LineWithDash({6, 3})->lineDashStyle(), "6:3");
-  EXPECT_EQ(LineWithDash({5.4, 2.6})->lineDashStyle(), "5:3");
-  EXPECT_EQ(LineWithDash({8, 2, 1, 2})->lineDashStyle(), "8:2:1:2");
-  // Exact halves round to even, as the C library formats them.
-  EXPECT_EQ(LineWithDash({2.5, 3.5})->lineDashStyle(), "2:4");
-}
-
-TEST(LineDashStyle, FewerThanTwoEntriesGiveNoText) {
-  EXPECT_EQ(LineWithDash({})->lineDashStyle(), "");
-  EXPECT_EQ(LineWithDash({7})->lineDashStyle(), "");
-}
-
-TEST(LineDashStyle, AtMostAHundredEntriesAreRead) {
-  std::vector<double> long_dash(150, 1.0);
-  const std::string text = LineWithDash(long_dash)->lineDashStyle();
+  const std::pair<std::vector<double>, std::string> cases[] = {
+      {{6, 3}, "6:3"}, {{5.4, 2.6}, "5:3"}, {{8, 2, 1, 2}, "8:2:1:2"},
+      {{2.5, 3.5}, "2:4"}, {{}, ""}, {{7}, ""},
+  };
+  for (const auto& [dash, text] : cases) EXPECT_EQ(LineWithDash(dash)->lineDashStyle(), text);
+  const std::string text = LineWithDash(std::vector<double>(150, 1.0))->lineDashStyle();
   EXPECT_EQ(std::count(text.begin(), text.end(), ':'), 99);
 }
 
@@ -50,12 +43,7 @@ TEST(LineDashStyle, SettingParsesAtMostTenEntriesWithPhaseZero) {
   EXPECT_EQ(line->lineDashStyle(), "1:2:3:4:5:6:7:8:9:10");
   line->setLineDashStyle("5.4:2.6");
   EXPECT_EQ(line->lineDashStyle(), "5:3");
-}
-
-TEST(LineDashStyle, TextWithoutEntriesClearsTheDash) {
-  auto line = MakeDraw<DrawLine>();
-  line->setLineDashStyle("6:3");
-  line->setLineDashStyle("");
+  line->setLineDashStyle("");  // no entries: no dash
   EXPECT_TRUE(line->bezierPath()->lineDash().empty());
   EXPECT_EQ(line->lineDashStyle(), "");
 }
