@@ -50,14 +50,11 @@ class RotationProbe : public DrawRectangle {
   static float RotationOf(const DrawBase& draw) { return draw.*(&RotationProbe::fRotateDegree_); }
 };
 
-TEST_F(DrawArchive, DefaultDrawWritesOnlyItsPathAndBothEnableFlags) {
-  auto draw = MakeDraw<DrawRectangle>();
-  // Stroke on with its colour; fill off, so none of the fill keys.
-  EXPECT_EQ(Keys(*draw), (std::set<std::string>{"BezierPath", "EnableStroke", "ForeColor",
-                                                "EnableFill"}));
-}
-
-TEST_F(DrawArchive, FillKeysFollowTheFillKind) {
+// A default rectangle strokes with its colour and has fill off, so none of the
+// fill keys; a fill writes the keys of its kind.
+TEST_F(DrawArchive, DefaultDrawWritesItsPathAndEnableFlagsAndFillKeysFollowTheFillKind) {
+  EXPECT_EQ(Keys(*MakeDraw<DrawRectangle>()),
+            (std::set<std::string>{"BezierPath", "EnableStroke", "ForeColor", "EnableFill"}));
   auto draw = MakeDraw<DrawClear>();  // stroke off, fill on
   EXPECT_EQ(Keys(*draw), (std::set<std::string>{"BezierPath", "EnableStroke", "EnableFill",
                                                 "IsFillWithGdt", "BackColor"}));
@@ -90,11 +87,7 @@ TEST_F(DrawArchive, OptionalStateIsWrittenOnlyWhenItDiffersFromItsDefault) {
   }
   EXPECT_EQ(keys.count("InnerShadow"), 0u);
   EXPECT_EQ(keys.count("RotateDegree"), 0u);
-}
-
-TEST_F(DrawArchive, ShadowSwitchedOffIsLostOnSaving) {
-  auto draw = MakeDraw<DrawRectangle>();
-  draw->setShadow(Shadow(Color::redColor(), {2, 2}, 1));
+  // A shadow switched off is lost on saving.
   draw->setEnableShadow(false);
   EXPECT_EQ(Keys(*draw).count("Shadow"), 0u);
   EXPECT_FALSE(RoundTrip(*draw)->shadow().has_value());
@@ -178,24 +171,21 @@ TEST_F(DrawArchive, ArchiveWithOnlyAPathTakesEveryFallback) {
   EXPECT_EQ(RotationProbe::RotationOf(*draw), 0.0f);
 }
 
-// Decoding takes classDrawFill where init takes the opposite of classDrawStroke.
-TEST_F(DrawArchive, MissingFillFlagTakesTheFillTraitAndBlackFill) {
+// Decoding takes classDrawFill where init takes the opposite of
+// classDrawStroke; a missing path is an empty one with the platform defaults.
+TEST_F(DrawArchive, MissingKeysTakeTheFillTraitBlackFillAndAnEmptyPlatformPath) {
   auto rectangle = Decode("DrawRectangle", [](KeyedArchiver&) {});
   EXPECT_TRUE(rectangle->enableStroke());
   EXPECT_TRUE(rectangle->enableFill());
   EXPECT_EQ(rectangle->fillColor(), Color::blackColor());
+  ASSERT_TRUE(rectangle->bezierPath().has_value());
+  EXPECT_TRUE(rectangle->bezierPath()->isEmpty());
+  EXPECT_EQ(rectangle->bezierPath()->lineWidth(), BezierPath::kDefaultLineWidth);
+  EXPECT_EQ(rectangle->bezierPath()->lineJoinStyle(), LineJoinStyle::Miter);
   auto group = Decode("DrawGroup", [](KeyedArchiver&) {});
   EXPECT_FALSE(group->enableStroke());
   EXPECT_FALSE(group->enableFill());
   EXPECT_FALSE(group->strokeColor().has_value());
-}
-
-TEST_F(DrawArchive, MissingPathIsAnEmptyPathWithThePlatformDefaults) {
-  auto draw = Decode("DrawRectangle", [](KeyedArchiver&) {});
-  ASSERT_TRUE(draw->bezierPath().has_value());
-  EXPECT_TRUE(draw->bezierPath()->isEmpty());
-  EXPECT_EQ(draw->bezierPath()->lineWidth(), BezierPath::kDefaultLineWidth);
-  EXPECT_EQ(draw->bezierPath()->lineJoinStyle(), LineJoinStyle::Miter);
 }
 
 TEST_F(DrawArchive, GradientFillWithoutGradientBecomesBlackColourFill) {
@@ -235,25 +225,21 @@ TEST_F(DrawArchive, ShadowFlagsWithoutShadowsGetTheDefaultShadows) {
   EXPECT_EQ(stored->shadow()->shadowBlurRadius(), 2.0);
 }
 
+// A distance below -60 (a missing one reads as -10060) is repaired to 0, only
+// while reflection is on.
 TEST_F(DrawArchive, UnsetReflectionDistanceBecomesZeroOnlyWhileReflectionIsOn) {
-  auto on = Decode("DrawRectangle", [](KeyedArchiver& c) {
-    c.encodeBoolForKey(true, "EnableReflection");
-    c.encodeFloatForKey(-100.0f, "ReflectionDis");
-  });
-  EXPECT_EQ(on->reflectionDis(), 0.0f);
-  auto atLimit = Decode("DrawRectangle", [](KeyedArchiver& c) {
-    c.encodeBoolForKey(true, "EnableReflection");
-    c.encodeFloatForKey(-60.0f, "ReflectionDis");
-  });
-  EXPECT_EQ(atLimit->reflectionDis(), -60.0f);
-  auto off = Decode("DrawRectangle", [](KeyedArchiver& c) {
-    c.encodeFloatForKey(-100.0f, "ReflectionDis");
-  });
-  EXPECT_EQ(off->reflectionDis(), -100.0f);
-  auto missing = Decode("DrawRectangle", [](KeyedArchiver& c) {
-    c.encodeBoolForKey(true, "EnableReflection");
-  });
-  EXPECT_EQ(missing->reflectionDis(), 0.0f);  // -10060, then repaired
+  const struct {
+    bool enable;
+    std::optional<float> stored;
+    float decoded;
+  } cases[] = {{true, -100, 0}, {true, -60, -60}, {false, -100, -100}, {true, std::nullopt, 0}};
+  for (const auto& c : cases) {
+    auto draw = Decode("DrawRectangle", [&](KeyedArchiver& coder) {
+      if (c.enable) coder.encodeBoolForKey(true, "EnableReflection");
+      if (c.stored) coder.encodeFloatForKey(*c.stored, "ReflectionDis");
+    });
+    EXPECT_EQ(draw->reflectionDis(), c.decoded) << c.enable << " " << c.stored.value_or(-1);
+  }
 }
 
 TEST_F(DrawArchive, KeysOfAnotherKindAreTakenAsTheReaderYieldsThem) {
@@ -280,9 +266,9 @@ TEST_F(DrawArchive, PenAntialiasingFollowsTheDecodedLineWidth) {
       c.encodeBezierPathForKey(path, "BezierPath");
     });
   };
-  EXPECT_FALSE(penOfWidth(1.0)->shouldAntialias());
-  EXPECT_TRUE(penOfWidth(1.1)->shouldAntialias());
-  EXPECT_TRUE(penOfWidth(4.0)->shouldAntialias());
+  for (auto [width, antialias] : {std::pair{1.0, false}, {1.1, true}, {4.0, true}}) {
+    EXPECT_EQ(penOfWidth(width)->shouldAntialias(), antialias) << width;
+  }
 }
 
 TEST_F(DrawArchive, ObjectWithEncodedDataRefusesWhatIsNoDrawArchive) {
