@@ -9,7 +9,6 @@
 #include "archive/keyed_unarchiver.h"
 #include "platform/bitmap.h"
 #include "platform/log.h"
-#include "support/test_paths.h"
 
 namespace paintdoc {
 namespace {
@@ -101,17 +100,9 @@ TEST_P(RoundTrip, EveryValueSurvivesAndRewritingIsStable) {
   EXPECT_EQ(Rewrite(reread), written) << GetParam();
 
   // And an independent reader agrees on the written layout.
-  const std::string binary = test::WriteOutput(std::string("rewritten_") + GetParam(), written);
-  const std::string xml = binary + ".xml";
-  std::string output;
-  ASSERT_EQ(test::RunCommand("plistutil -i '" + binary + "' -o '" + xml + "'", &output), 0)
-      << output;
-  output.clear();
-  EXPECT_EQ(test::RunCommand("python3 '" + test::SourcePath("tests/archive/verify_written.py") +
-                                 "' '" + binary + "' '" + xml + "' --structure-only",
-                             &output),
-            0)
-      << GetParam() << ": " << output;
+  EXPECT_EQ(test::VerifyIndependently(std::string("rewritten_") + GetParam(), written,
+                                      "--structure-only"),
+            "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Fixtures, RoundTrip,

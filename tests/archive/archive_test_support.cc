@@ -17,6 +17,9 @@ SharedBytes ArchiveFixture(const std::string& name) {
   return SharedBytes(bytes ? std::move(*bytes) : std::vector<uint8_t>{});
 }
 
+namespace {
+
+// Writes bytes to the test output folder and answers the path.
 std::string WriteOutput(const std::string& name, std::span<const uint8_t> bytes) {
   const std::string path = OutputPath("archive/" + name);
   std::string error;
@@ -24,6 +27,7 @@ std::string WriteOutput(const std::string& name, std::span<const uint8_t> bytes)
   return path;
 }
 
+// Runs a command; answers its exit status and puts its output in *output.
 int RunCommand(const std::string& command, std::string* output) {
   FILE* pipe = popen((command + " 2>&1").c_str(), "r");
   if (!pipe) return -1;
@@ -34,6 +38,24 @@ int RunCommand(const std::string& command, std::string* output) {
   }
   const int status = pclose(pipe);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+std::string VerifyIndependently(const std::string& name, std::span<const uint8_t> archive,
+                                const std::string& options) {
+  const std::string binary = WriteOutput(name, archive);
+  const std::string xml = binary + ".xml";
+  std::string output;
+  if (RunCommand("plistutil -i '" + binary + "' -o '" + xml + "'", &output) != 0) {
+    return "plistutil failed: " + output;
+  }
+  output.clear();
+  const std::string script = SourcePath("tests/archive/verify_written.py");
+  if (RunCommand("python3 '" + script + "' '" + binary + "' '" + xml + "' " + options, &output) != 0) {
+    return output.empty() ? "verify_written.py failed" : output;
+  }
+  return "";
 }
 
 void TestNode::encodeWithCoder(KeyedArchiver& coder) const {

@@ -15,10 +15,11 @@ namespace paintdoc::test {
 
 // The bytes of tests/data/archive/<name> (fails the test when missing).
 SharedBytes ArchiveFixture(const std::string& name);
-// Writes bytes to the test output folder and answers the path.
-std::string WriteOutput(const std::string& name, std::span<const uint8_t> bytes);
-// Runs a command; answers its exit status and puts its output in *output.
-int RunCommand(const std::string& command, std::string* output);
+// Writes a binary archive to the output folder, converts it with plistutil
+// and has verify_written.py (plistlib) check both forms; answers "" when
+// they pass, otherwise what went wrong. `options` go to the script.
+std::string VerifyIndependently(const std::string& name, std::span<const uint8_t> archive,
+                                const std::string& options = "");
 
 class TestNode : public Codable {
  public:

@@ -10,7 +10,6 @@
 #include "archive/property_list.h"
 #include "platform/bitmap.h"
 #include "platform/log.h"
-#include "support/test_paths.h"
 
 namespace paintdoc {
 namespace {
@@ -204,18 +203,7 @@ Bytes WriterScenario() {
 }
 
 TEST(KeyedArchiver, OutputMatchesTheIndependentReader) {
-  const Bytes archive = WriterScenario();
-  const std::string binary = test::WriteOutput("writer_scenario.bplist", archive);
-  const std::string xml = test::OutputPath("archive/writer_scenario.xml");
-  std::string output;
-  ASSERT_EQ(test::RunCommand("plistutil -i '" + binary + "' -o '" + xml + "'", &output), 0)
-      << output;
-  output.clear();
-  const int status = test::RunCommand(
-      "python3 '" + test::SourcePath("tests/archive/verify_written.py") + "' '" + binary + "' '" +
-          xml + "'",
-      &output);
-  EXPECT_EQ(status, 0) << output;
+  EXPECT_EQ(test::VerifyIndependently("writer_scenario.bplist", WriterScenario()), "");
 }
 
 TEST(KeyedArchiver, EncodingAfterFinishingIsRefused) {

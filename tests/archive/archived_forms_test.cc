@@ -13,8 +13,7 @@ namespace {
 
 using test::ArchiveFixture;
 
-class Fixture {
- public:
+struct Fixture {
   explicit Fixture(const char* name) : coder(ArchiveFixture(name)) {
     EXPECT_TRUE(coder.isValid()) << coder.error();
   }
@@ -132,9 +131,7 @@ TEST(ArchivedBezierPath, SegmentsAndStrokeAttributes) {
   ASSERT_EQ(Types(path), (std::vector<T>{T::MoveTo, T::LineTo, T::CurveTo, T::ClosePath}));
   EXPECT_EQ(path.elementAt(0).points[0], MakePoint(1, 2));
   EXPECT_EQ(path.elementAt(1).points[0], MakePoint(10, 2));
-  EXPECT_EQ(path.elementAt(2).points[0], MakePoint(12, 5));
-  EXPECT_EQ(path.elementAt(2).points[1], MakePoint(12, 15));
-  EXPECT_EQ(path.elementAt(2).points[2], MakePoint(10, 20));
+  EXPECT_EQ(path.elementAt(2).points, (std::array<Point, 3>{{{12, 5}, {12, 15}, {10, 20}}}));
   EXPECT_EQ(path.windingRule(), WindingRule::EvenOdd);
   EXPECT_EQ(path.lineCapStyle(), LineCapStyle::Round);  // stored as a real
   EXPECT_EQ(path.lineJoinStyle(), LineJoinStyle::Bevel);
@@ -182,9 +179,7 @@ TEST(ArchivedText, TextStorageWithRunTable) {
   ASSERT_TRUE(text);
   EXPECT_EQ(text->utf8Text(), "Hello bold world");
   ASSERT_EQ(text->runs().size(), 3u);
-  EXPECT_EQ(text->runs()[0].length, 6u);
-  EXPECT_EQ(text->runs()[1].length, 4u);
-  EXPECT_EQ(text->runs()[2].length, 6u);
+  for (size_t i = 0; i < 3; ++i) EXPECT_EQ(text->runs()[i].length, i == 1 ? 4u : 6u) << "run " << i;
   EXPECT_EQ(text->runs()[0].attributes, text->runs()[2].attributes);
 
   const TextAttributes& plain = text->runs()[0].attributes;
@@ -263,14 +258,10 @@ TEST(ArchivedImage, BitmapKeepsItsResolutionAndIdentity) {
   ASSERT_EQ(bitmap->pixelsHigh(), 2);
   // 144 dots an inch: 2 pixels are 1 point.
   EXPECT_EQ(bitmap->size(), MakeSize(1, 1));
-  EXPECT_EQ(bitmap->pixelAt(0, 0), (Rgba8{255, 0, 0, 255}));
-  EXPECT_EQ(bitmap->pixelAt(1, 0), (Rgba8{0, 128, 0, 128}));
-  EXPECT_EQ(bitmap->pixelAt(0, 1), (Rgba8{0, 0, 255, 255}));
-  EXPECT_EQ(bitmap->pixelAt(1, 1), (Rgba8{255, 255, 255, 255}));
+  const Rgba8 pixels[] = {{255, 0, 0, 255}, {0, 128, 0, 128}, {0, 0, 255, 255}, {255, 255, 255, 255}};
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(bitmap->pixelAt(i % 2, i / 2), pixels[i]) << "pixel " << i;
   // One representation referenced three times is one bitmap.
-  EXPECT_EQ(f.coder.decodeBitmapForKey("Rep"), bitmap);
-  EXPECT_EQ(f.coder.decodeBitmapForKey("SameRep"), bitmap);
-  EXPECT_EQ(f.coder.decodeBitmapForKey("Image"), bitmap);
+  for (const char* key : {"Rep", "SameRep", "Image"}) EXPECT_EQ(f.coder.decodeBitmapForKey(key), bitmap);
 
   LogCapture log;
   EXPECT_FALSE(f.coder.decodeBitmapForKey("BadRep"));

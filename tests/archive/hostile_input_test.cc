@@ -79,98 +79,70 @@ bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
+// A marker with a long count: the count follows as an 8-byte integer.
+Bytes LongHeader(uint8_t marker, uint64_t count) {
+  Bytes o = {marker, 0x13};
+  Append(o, count, 8);
+  return o;
+}
+
 TEST(HostilePlist, TrailerFieldsAreChecked) {
-  RawPlist p;
-  p.objects = {{0x10, 1}};
-  EXPECT_TRUE(PropertyList::read(SharedBytes(p.build()), {}, nullptr));
-
-  RawPlist badOffsetSize = p;
-  badOffsetSize.offsetSize = 9;
-  EXPECT_TRUE(Contains(ReadError(badOffsetSize.build()), "offset size 9"));
-  RawPlist badRefSize = p;
-  badRefSize.refSize = 0;
-  EXPECT_TRUE(Contains(ReadError(badRefSize.build()), "reference size 0"));
-  RawPlist none = p;
-  none.countOverride = 0;
-  EXPECT_TRUE(Contains(ReadError(none.build()), "no objects"));
-  RawPlist huge = p;
-  huge.countOverride = uint64_t{1} << 40;
-  EXPECT_TRUE(Contains(ReadError(huge.build()), "exceed the limit"));
-  RawPlist many = p;
-  many.countOverride = 1000;  // an offset table of 4000 bytes in a 50-byte file
-  EXPECT_TRUE(Contains(ReadError(many.build()), "does not fit in the file"));
-  RawPlist topPast = p;
-  topPast.top = 1;
-  EXPECT_TRUE(Contains(ReadError(topPast.build()), "top object 1 is not among"));
-  RawPlist tablePast = p;
-  tablePast.tableOverride = uint64_t{1} << 62;
-  EXPECT_TRUE(Contains(ReadError(tablePast.build()), "does not fit in the file"));
-  RawPlist narrowRefs = p;
-  narrowRefs.refSize = 1;
-  narrowRefs.countOverride = 300;
-  narrowRefs.offsetSize = 1;
-  EXPECT_FALSE(ReadError(narrowRefs.build()).empty());
-
+  RawPlist valid;
+  valid.objects = {{0x10, 1}};
+  EXPECT_TRUE(PropertyList::read(SharedBytes(valid.build()), {}, nullptr));
+  const std::pair<void (*)(RawPlist&), const char*> cases[] = {
+      {[](RawPlist& p) { p.offsetSize = 9; }, "offset size 9"},
+      {[](RawPlist& p) { p.refSize = 0; }, "reference size 0"},
+      {[](RawPlist& p) { p.countOverride = 0; }, "no objects"},
+      {[](RawPlist& p) { p.countOverride = uint64_t{1} << 40; }, "exceed the limit"},
+      // An offset table of 4000 bytes in a 50-byte file.
+      {[](RawPlist& p) { p.countOverride = 1000; }, "does not fit in the file"},
+      {[](RawPlist& p) { p.top = 1; }, "top object 1 is not among"},
+      {[](RawPlist& p) { p.tableOverride = uint64_t{1} << 62; }, "does not fit in the file"},
+      {[](RawPlist& p) { p.refSize = p.offsetSize = 1, p.countOverride = 300; }, ""},
+  };
+  for (const auto& [tamper, message] : cases) {
+    RawPlist p = valid;
+    tamper(p);
+    const std::string error = ReadError(p.build());
+    EXPECT_FALSE(error.empty()) << message;
+    EXPECT_TRUE(Contains(error, message)) << error;
+  }
   EXPECT_TRUE(Contains(ReadError(Bytes{'b', 'p', 'l', 'i', 's', 't', '0', '0'}), "too short"));
-  Bytes wrongMagic = p.build();
+  Bytes wrongMagic = valid.build();
   wrongMagic[0] = 'x';
   EXPECT_FALSE(PropertyList::readBinary(SharedBytes(wrongMagic), {}, nullptr));
 }
 
+// Counts and lengths that run past the end are refused before anything is
+// allocated for them; UTF-16 counts are units, twice the bytes, without overflow.
 TEST(HostilePlist, OffsetsCountsAndLengthsPastTheEnd) {
   RawPlist offsetPast;
   offsetPast.objects = {{0x10, 1}};
   offsetPast.offsetOverrides = {{0, 100000}};
   EXPECT_TRUE(Contains(ReadError(offsetPast.build()), "offset lies outside the object area"));
 
-  // An array header announcing 2^31 elements in a file of a few dozen bytes:
-  // refused before anything is allocated for it.
-  RawPlist bigArray;
-  bigArray.objects = {Container(0xA, {0, 0}, uint64_t{1} << 31)};
-  EXPECT_TRUE(Contains(ReadError(bigArray.build()), "array of 2147483648 entries runs past"));
-
-  RawPlist bigDictionary;
-  bigDictionary.objects = {Container(0xD, {}, uint64_t{1} << 40)};
-  EXPECT_TRUE(Contains(ReadError(bigDictionary.build()), "dictionary of 1099511627776 entries"));
-
-  Bytes hugeData = {0x4F, 0x13};
-  Append(hugeData, uint64_t{1} << 62, 8);
-  RawPlist data;
-  data.objects = {hugeData};
-  EXPECT_TRUE(Contains(ReadError(data.build()), "data of 4611686018427387904 bytes runs past"));
-
-  // UTF-16 counts are units: twice the bytes, without overflow.
-  Bytes hugeString = {0x6F, 0x13};
-  Append(hugeString, (uint64_t{1} << 63) - 1, 8);
-  RawPlist string;
-  string.objects = {hugeString};
-  EXPECT_TRUE(Contains(ReadError(string.build()), "UTF-16 units runs past"));
-
-  Bytes negativeCount = {0x5F, 0x13};
-  Append(negativeCount, ~uint64_t{0}, 8);
-  RawPlist negative;
-  negative.objects = {negativeCount};
-  EXPECT_TRUE(Contains(ReadError(negative.build()), "negative count"));
-
-  RawPlist badRef;
-  badRef.objects = {Container(0xA, {7})};
-  EXPECT_TRUE(Contains(ReadError(badRef.build()), "reference 7 is not among the 1 objects"));
-
-  RawPlist unknown;
-  unknown.objects = {{0x70}};
-  EXPECT_TRUE(Contains(ReadError(unknown.build()), "unknown marker 0x70"));
-  RawPlist badInt;
-  badInt.objects = {{0x15, 0, 0}};
-  EXPECT_TRUE(Contains(ReadError(badInt.build()), "integer of unsupported size"));
-  RawPlist shortReal;
-  shortReal.objects = {{0x23, 0, 0}};
-  EXPECT_TRUE(Contains(ReadError(shortReal.build()), "real runs past"));
-  Bytes wide = {0x14};
-  Append(wide, 5, 8);
-  Append(wide, 0, 8);
-  RawPlist wideInt;
-  wideInt.objects = {wide};
-  EXPECT_TRUE(Contains(ReadError(wideInt.build()), "beyond 64 bits"));
+  Bytes wideInt = {0x14};
+  Append(wideInt, 5, 8);
+  Append(wideInt, 0, 8);
+  const std::pair<Bytes, const char*> cases[] = {
+      {Container(0xA, {0, 0}, uint64_t{1} << 31), "array of 2147483648 entries runs past"},
+      {Container(0xD, {}, uint64_t{1} << 40), "dictionary of 1099511627776 entries"},
+      {LongHeader(0x4F, uint64_t{1} << 62), "data of 4611686018427387904 bytes runs past"},
+      {LongHeader(0x6F, (uint64_t{1} << 63) - 1), "UTF-16 units runs past"},
+      {LongHeader(0x5F, ~uint64_t{0}), "negative count"},
+      {Container(0xA, {7}), "reference 7 is not among the 1 objects"},
+      {{0x70}, "unknown marker 0x70"},
+      {{0x15, 0, 0}, "integer of unsupported size"},
+      {{0x23, 0, 0}, "real runs past"},
+      {wideInt, "beyond 64 bits"},
+  };
+  for (const auto& [object, message] : cases) {
+    RawPlist p;
+    p.objects = {object};
+    const std::string error = ReadError(p.build());
+    EXPECT_TRUE(Contains(error, message)) << message << " → " << error;
+  }
 }
 
 TEST(HostilePlist, ReferenceCyclesAreRefused) {
@@ -277,27 +249,13 @@ std::vector<Bytes> ArchiveHead(const std::vector<uint64_t>& entries) {
   };
 }
 
-// A keyed archive around raw "$objects" entries (references are UIDs).
-Bytes Archive(const std::vector<Bytes>& entries, const Bytes& topKey, uint64_t topUid) {
-  // Objects: 0 root dict, 1..4 its keys, 5 version, 6 archiver name,
-  // 7 top dict, 8 objects array, 9 top key, 10 top UID, then the entries.
-  RawPlist p;
-  const uint64_t first = 11;
-  std::vector<uint64_t> entryRefs;
-  for (size_t i = 0; i < entries.size(); ++i) entryRefs.push_back(first + i);
-  p.objects = ArchiveHead(entryRefs);
-  p.objects.insert(p.objects.end(), {
-      topKey,
-      Uid(topUid),
-  });
-  p.objects.insert(p.objects.end(), entries.begin(), entries.end());
-  return p.build();
-}
-
 TEST(HostileArchive, ReferencesPastTheObjectsReadAsNil) {
+  // Object 9 is the top key "root", 10 its UID 99, 11 the only entry "$null".
+  RawPlist p;
+  p.objects = ArchiveHead({11});
+  p.objects.insert(p.objects.end(), {{0x54, 'r', 'o', 'o', 't'}, Uid(99), {0x55, '$', 'n', 'u', 'l', 'l'}});
   LogCapture log;
-  const Bytes root = {0x54, 'r', 'o', 'o', 't'};
-  KeyedUnarchiver coder{SharedBytes(Archive({{0x55, '$', 'n', 'u', 'l', 'l'}}, root, 99))};
+  KeyedUnarchiver coder{SharedBytes(p.build())};
   ASSERT_TRUE(coder.isValid()) << coder.error();
   EXPECT_TRUE(coder.containsValueForKey("root"));
   EXPECT_FALSE(coder.decodeObjectForKey("root"));

@@ -68,7 +68,7 @@ TEST_P(FoundationArchive, MissingKeysReadZeroFalseOrAbsent) {
   EXPECT_FALSE(c.decodeColorForKey("Title"));
 }
 
-TEST_P(FoundationArchive, GeometryStringsAndBytes) {
+TEST_P(FoundationArchive, GeometryStringsDataAndDates) {
   KeyedUnarchiver& c = *coder;
   EXPECT_EQ(c.decodePointForKey("Point"), MakePoint(1.5, -2));
   EXPECT_EQ(c.decodeSizeForKey("Size"), MakeSize(62, 62));
@@ -78,10 +78,7 @@ TEST_P(FoundationArchive, GeometryStringsAndBytes) {
   ASSERT_TRUE(bytes);
   EXPECT_EQ(bytes->copy(), (std::vector<uint8_t>{0, 1, 2, 255}));
   EXPECT_FALSE(c.decodeBytesForKey("Small"));
-}
 
-TEST_P(FoundationArchive, StringsAndData) {
-  KeyedUnarchiver& c = *coder;
   EXPECT_EQ(c.decodeStringForKey("Title"), "Hello");
   EXPECT_EQ(c.decodeStringForKey("Unicode"), "Gr\u00fc\u00dfe \u2713 \U0001F600");
   EXPECT_EQ(c.decodeStringForKey("MutableTitle"), "Mutable");
@@ -133,7 +130,7 @@ TEST_P(FoundationArchive, CollectionsInEveryForm) {
   EXPECT_EQ(*mixed.valueForKey("list")->asArray(), (ValueArray{true, int64_t{-1}}));
 }
 
-TEST_P(FoundationArchive, BoxedValuesAndNull) {
+TEST_P(FoundationArchive, BoxedValuesNullAndFinishing) {
   KeyedUnarchiver& c = *coder;
   EXPECT_EQ(c.decodePointValueForKey("PointValue"), MakePoint(3, 4));
   EXPECT_EQ(c.decodeSizeValueForKey("SizeValue"), MakeSize(5, 6));
@@ -145,10 +142,8 @@ TEST_P(FoundationArchive, BoxedValuesAndNull) {
   EXPECT_EQ(c.decodeValueForKey("Null").kind(), ArchiveValue::Kind::Null);
   // decodePointForKey also accepts a boxed point.
   EXPECT_EQ(c.decodePointForKey("PointValue"), MakePoint(3, 4));
-}
 
-TEST_P(FoundationArchive, KeysOfTheCurrentObjectAndFinishing) {
-  KeyedUnarchiver& c = *coder;
+  // The keys of the current object; after finishing, nothing more is read.
   const auto keys = c.allKeys();
   EXPECT_NE(std::find(keys.begin(), keys.end(), "$dollar"), keys.end());
   EXPECT_NE(std::find(keys.begin(), keys.end(), "Resolution"), keys.end());
@@ -162,13 +157,15 @@ INSTANTIATE_TEST_SUITE_P(BinaryAndXml, FoundationArchive,
 
 class ObjectArchive : public ::testing::Test {
  protected:
-  void SetUp() override { test::RegisterTestClasses(); }
+  void SetUp() override {
+    test::RegisterTestClasses();
+    ASSERT_TRUE(coder.isValid()) << coder.error();
+  }
+  LogCapture log;
+  KeyedUnarchiver coder{ArchiveFixture("objects.plist")};
 };
 
 TEST_F(ObjectArchive, SharedObjectsDecodeToOneInstance) {
-  LogCapture log;
-  KeyedUnarchiver coder(ArchiveFixture("objects.plist"));
-  ASSERT_TRUE(coder.isValid()) << coder.error();
   auto root = coder.decodeObjectForKey<test::TestNode>("root");
   ASSERT_TRUE(root);
   EXPECT_EQ(root->name, "root");
@@ -186,8 +183,6 @@ TEST_F(ObjectArchive, SharedObjectsDecodeToOneInstance) {
 }
 
 TEST_F(ObjectArchive, ObjectsUnderConstructionAreNeverHandedOut) {
-  LogCapture log;
-  KeyedUnarchiver coder(ArchiveFixture("objects.plist"));
   auto loop = coder.decodeObjectForKey<test::TestNode>("Loop");
   ASSERT_TRUE(loop);
   EXPECT_EQ(loop->name, "loop");
@@ -199,8 +194,6 @@ TEST_F(ObjectArchive, ObjectsUnderConstructionAreNeverHandedOut) {
 }
 
 TEST_F(ObjectArchive, UnknownClassesAndWrongTypesReadAsNull) {
-  LogCapture log;
-  KeyedUnarchiver coder(ArchiveFixture("objects.plist"));
   EXPECT_FALSE(coder.decodeObjectForKey("Mystery"));
   EXPECT_FALSE(coder.decodeObjectForKey("Text"));
   EXPECT_EQ(coder.decodeStringForKey("Text"), "just text");
@@ -221,7 +214,6 @@ TEST(DocumentContainer, TopLevelKeysAndTheInnerArchive) {
   const auto paintData = outer.decodeDataForKey("PaintData");
   ASSERT_TRUE(paintData);
   // The inner archive is read straight from the outer file's bytes.
-  const auto whole = ArchiveFixture("container.plist");
   std::string error;
   auto canvas = KeyedUnarchiver::unarchiveObjectWithData<test::TestNode>(*paintData, &error);
   ASSERT_TRUE(canvas) << error;

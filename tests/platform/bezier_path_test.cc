@@ -121,10 +121,8 @@ TEST(BezierPathReversal, ClosedSubpathKeepsItsStartAndWalksTheClosingEdgeFirst) 
   const BezierPath rect = BezierPath::withRect(MakeRect(0, 0, 100, 100));
   const BezierPath reversed = rect.reversed();
   EXPECT_EQ(Types(reversed), (std::vector{T::MoveTo, T::LineTo, T::LineTo, T::LineTo, T::ClosePath}));
-  EXPECT_EQ(reversed.elementAt(0).points[0], (Point{0, 0}));
-  EXPECT_EQ(reversed.elementAt(1).points[0], (Point{0, 100}));
-  EXPECT_EQ(reversed.elementAt(2).points[0], (Point{100, 100}));
-  EXPECT_EQ(reversed.elementAt(3).points[0], (Point{100, 0}));
+  const Point corners[] = {{0, 0}, {0, 100}, {100, 100}, {100, 0}};
+  for (size_t i = 0; i < 4; ++i) EXPECT_EQ(reversed.elementAt(i).points[0], corners[i]) << i;
 }
 
 TEST(BezierPathReversal, OpenSubpathSwapsControlPoints) {
@@ -135,9 +133,7 @@ TEST(BezierPathReversal, OpenSubpathSwapsControlPoints) {
   const BezierPath reversed = path.reversed();
   EXPECT_EQ(Types(reversed), (std::vector{T::MoveTo, T::CurveTo, T::LineTo}));
   EXPECT_EQ(reversed.elementAt(0).points[0], (Point{20, 10}));
-  EXPECT_EQ(reversed.elementAt(1).points[0], (Point{18, 9}));
-  EXPECT_EQ(reversed.elementAt(1).points[1], (Point{12, 1}));
-  EXPECT_EQ(reversed.elementAt(1).points[2], (Point{10, 0}));
+  EXPECT_EQ(reversed.elementAt(1).points, (std::array<Point, 3>{{{18, 9}, {12, 1}, {10, 0}}}));
   EXPECT_EQ(reversed.elementAt(2).points[0], (Point{0, 0}));
 }
 

@@ -8,13 +8,14 @@
 #include <cmath>
 #include <numbers>
 
-#include "platform/graphics_context.h"
+#include "platform/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 
 namespace paintdoc {
 namespace {
 
+using test::Draw;
 using test::ImagesMatch;
 using test::MakeImage;
 using test::PixelValue;
@@ -56,11 +57,9 @@ bool InRect(int x, int y, const Rect& r) {
 TEST(GradientDrawing, LinearByAngleRunsCornerToCorner) {
   const Rect rect = MakeRect(4, 3, 60, 40);
   for (double angle : {0.0, 90.0, 30.0, 210.0}) {
-    auto bitmap = Bitmap::create(68, 46);
-    {
-      BitmapFocus focus(bitmap);
-      focus.context().drawGradient(kGradient, BezierPath::withRect(rect), angle);
-    }
+    auto bitmap = Draw(68, 46, [&](GraphicsContext& gc) {
+      gc.drawGradient(kGradient, BezierPath::withRect(rect), angle);
+    });
     auto expected = MakeImage(68, 46, [&](int x, int y) {
       return InRect(x, y, rect) ? GradientAt(LinearT(x, y, rect, angle)).toRgba8() : Rgba8{};
     });
@@ -72,12 +71,10 @@ TEST(GradientDrawing, LinearByAngleRunsCornerToCorner) {
 TEST(GradientDrawing, RadialByRelativeCentreCoversTheRectangle) {
   const Rect rect = MakeRect(2, 2, 40, 30);
   for (Point relative : {Point{0, 0}, Point{1, 1}, Point{-0.5, 0.25}}) {
-    auto bitmap = Bitmap::create(44, 34);
-    {
-      BitmapFocus focus(bitmap);
-      focus.context().setAlpha(0.5);  // multiplies every stop
-      focus.context().drawGradient(kGradient, rect, relative);
-    }
+    auto bitmap = Draw(44, 34, [&](GraphicsContext& gc) {
+      gc.setAlpha(0.5);  // multiplies every stop
+      gc.drawGradient(kGradient, rect, relative);
+    });
     auto expected = MakeImage(44, 34, [&](int x, int y) {
       return InRect(x, y, rect) ? GradientAt(RadialT(x, y, rect, relative), 0.5).toRgba8() : Rgba8{};
     });
@@ -89,11 +86,9 @@ TEST(GradientDrawing, RadialByRelativeCentreCoversTheRectangle) {
 
 TEST(GradientDrawing, PathGradientIsClippedToThePathAndSpansItsBounds) {
   const Rect box = MakeRect(0, 0, 40, 40);
-  auto bitmap = Bitmap::create(40, 40);
-  {
-    BitmapFocus focus(bitmap);
-    focus.context().drawGradient(kGradient, BezierPath::withOvalInRect(box), 0.0);
-  }
+  auto bitmap = Draw(40, 40, [&](GraphicsContext& gc) {
+    gc.drawGradient(kGradient, BezierPath::withOvalInRect(box), 0.0);
+  });
   // Pixels clearly inside the circle follow the bounds' gradient; clearly
   // outside stay empty; the antialiased rim is left out.
   auto expected = MakeImage(40, 40, [&](int x, int y) {

@@ -8,22 +8,29 @@
 #include <thread>
 
 #include "platform/log.h"
+#include "platform/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 
 namespace paintdoc {
 namespace {
 
+using test::Draw;
 using test::ImagesMatch;
+using test::Inside;
 using test::MakeImage;
 using test::PixelAt;
 using test::PixelValue;
 
 const Color kBlue = Color::calibratedRGB(0, 0, 1, 1);
 const Color kHalfRed = Color::calibratedRGB(1, 0, 0, 0.5);
+const Rgba8 kBlue8{0, 0, 255, 255};
+const PixelValue kBlueValue = PixelValue::straight(0, 0, 1, 1);
 
-bool Inside(int x, int y, int x0, int y0, int x1, int y1) {
-  return x >= x0 && x < x1 && y >= y0 && y < y1;
+// Paints the whole width × height area blue first.
+void FillBlue(GraphicsContext& gc, int width, int height) {
+  gc.setFillColor(kBlue);
+  gc.fillRect(MakeRect(0, 0, width, height));
 }
 
 TEST(GraphicsContextStack, LockFocusNestsPerThread) {
@@ -119,30 +126,22 @@ TEST(GraphicsContextState, LayerResetsAlphaShadowAndOperationAndRestoresThemAtTh
 }
 
 TEST(GraphicsContextCoordinates, OriginIsLowerLeftAndPointsFollowResolution) {
-  auto bitmap = Bitmap::create(8, 6);
-  {
-    BitmapFocus focus(bitmap);
-    focus.context().setFillColor(kBlue);
-    focus.context().fillRect(MakeRect(2, 1, 3, 2));
-  }
-  auto expected = MakeImage(8, 6, [](int x, int y) {
-    return Inside(x, y, 2, 1, 5, 3) ? Rgba8{0, 0, 255, 255} : Rgba8{};
+  auto bitmap = Draw(8, 6, [](GraphicsContext& gc) {
+    gc.setFillColor(kBlue);
+    gc.fillRect(MakeRect(2, 1, 3, 2));
   });
+  auto expected = MakeImage(8, 6, [](int x, int y) { return Inside(x, y, 2, 1, 5, 3) ? kBlue8 : Rgba8{}; });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "origin_lower_left"));
-  EXPECT_EQ(PixelAt(*bitmap, 2, 1), (Rgba8{0, 0, 255, 255}));
-  EXPECT_EQ(bitmap->pixelAt(2, 6 - 1 - 1), (Rgba8{0, 0, 255, 255}));  // storage row from the top
+  EXPECT_EQ(bitmap->pixelAt(2, 6 - 1 - 1), kBlue8);  // storage rows run from the top
 
   // 20 × 10 pixels at 144 dpi: 10 × 5 points, two pixels a point.
   auto hiDpi = Bitmap::create(20, 10);
   hiDpi->setSizeWithDPI(144);
-  {
-    BitmapFocus focus(hiDpi);
-    focus.context().setFillColor(kBlue);
-    focus.context().fillRect(MakeRect(1, 1, 2, 2));
-  }
-  auto expectedHiDpi = MakeImage(20, 10, [](int x, int y) {
-    return Inside(x, y, 2, 2, 6, 6) ? Rgba8{0, 0, 255, 255} : Rgba8{};
+  test::DrawInto(hiDpi, [](GraphicsContext& gc) {
+    gc.setFillColor(kBlue);
+    gc.fillRect(MakeRect(1, 1, 2, 2));
   });
+  auto expectedHiDpi = MakeImage(20, 10, [](int x, int y) { return Inside(x, y, 2, 2, 6, 6) ? kBlue8 : Rgba8{}; });
   EXPECT_TRUE(ImagesMatch(*hiDpi, *expectedHiDpi, 0, "points_follow_resolution"));
 }
 
@@ -169,22 +168,17 @@ TEST(GraphicsContextCompositing, PorterDuffOperationsAreBoundedByTheShape) {
       {CompositingOperation::XOR,
        [](PixelValue s, PixelValue d) { return s * (1 - d.alpha) + d * (1 - s.alpha); }},
   };
-  const PixelValue blue = PixelValue::straight(0, 0, 1, 1);
   const PixelValue red = PixelValue::straight(1, 0, 0, 0.5);
   for (const Case& c : cases) {
-    auto bitmap = Bitmap::create(12, 10);
-    {
-      BitmapFocus focus(bitmap);
-      GraphicsContext& gc = focus.context();
-      gc.setFillColor(kBlue);
-      gc.fillRect(MakeRect(0, 0, 12, 10));
+    auto bitmap = Draw(12, 10, [&](GraphicsContext& gc) {
+      FillBlue(gc, 12, 10);
       gc.setFillColor(kHalfRed);
       gc.setCompositingOperation(c.operation);
       gc.fill(BezierPath::withRect(MakeRect(3, 2, 5, 4)));
-    }
-    PixelValue inside = c.formula(red, blue);
+    });
+    PixelValue inside = c.formula(red, kBlueValue);
     auto expected = MakeImage(12, 10, [&](int x, int y) {
-      return (Inside(x, y, 3, 2, 8, 6) ? inside : blue).toRgba8();
+      return (Inside(x, y, 3, 2, 8, 6) ? inside : kBlueValue).toRgba8();
     });
     EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 1,
                             "operation_" + std::to_string(static_cast<int>(c.operation))));
@@ -193,12 +187,8 @@ TEST(GraphicsContextCompositing, PorterDuffOperationsAreBoundedByTheShape) {
 
 TEST(GraphicsContextCompositing, StrokesAndAntialiasedEdgesStayBoundedToo) {
   // SourceIn through a stroke: cairo alone would clear everything else.
-  auto bitmap = Bitmap::create(16, 16);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
-    gc.setFillColor(kBlue);
-    gc.fillRect(MakeRect(0, 0, 16, 16));
+  auto bitmap = Draw(16, 16, [](GraphicsContext& gc) {
+    FillBlue(gc, 16, 16);
     gc.setStrokeColor(kHalfRed);
     gc.setCompositingOperation(CompositingOperation::SourceIn);
     BezierPath line;
@@ -211,17 +201,16 @@ TEST(GraphicsContextCompositing, StrokesAndAntialiasedEdgesStayBoundedToo) {
     gc.setFillColor(Color::calibratedRGB(0, 1, 0, 0.5));
     gc.setCompositingOperation(CompositingOperation::DestinationIn);
     gc.fill(BezierPath::withOvalInRect(MakeRect(1.3, 0.6, 5.1, 4.7)));
-  }
-  const PixelValue blue = PixelValue::straight(0, 0, 1, 1);
+  });
   const PixelValue redInBlue = PixelValue::straight(1, 0, 0, 0.5);
   auto expected = MakeImage(16, 16, [&](int, int y) {
-    return (y >= 6 && y < 10 ? redInBlue : blue).toRgba8();
+    return (y >= 6 && y < 10 ? redInBlue : kBlueValue).toRgba8();
   });
   // The oval's area is checked separately below.
   auto inOval = [](int x, int y) { return x < 7 && y < 6; };
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 1, "bounded_stroke", inOval));
   EXPECT_EQ(PixelAt(*bitmap, 3, 3), (Rgba8{0, 0, 128, 128}));  // inside the oval
-  EXPECT_EQ(PixelAt(*bitmap, 0, 5), (Rgba8{0, 0, 255, 255}));  // outside: kept
+  EXPECT_EQ(PixelAt(*bitmap, 0, 5), kBlue8);                   // outside: kept
   Rgba8 edge = PixelAt(*bitmap, 1, 2);                         // partly covered: between
   EXPECT_GT(edge.alpha, 128);
   EXPECT_LT(edge.alpha, 255);
@@ -229,22 +218,18 @@ TEST(GraphicsContextCompositing, StrokesAndAntialiasedEdgesStayBoundedToo) {
 }
 
 TEST(GraphicsContextCompositing, LayerCompositeActsOnTheWholeClip) {
-  auto bitmap = Bitmap::create(12, 10);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
-    gc.setFillColor(kBlue);
-    gc.fillRect(MakeRect(0, 0, 12, 10));
+  auto bitmap = Draw(12, 10, [](GraphicsContext& gc) {
+    FillBlue(gc, 12, 10);
     gc.clipToRect(MakeRect(2, 2, 8, 6));
     gc.setCompositingOperation(CompositingOperation::DestinationIn);
     gc.beginTransparencyLayer();
     gc.setFillColor(Color::redColor());
     gc.fillRect(MakeRect(4, 4, 2, 2));
     gc.endTransparencyLayer();
-  }
+  });
   auto expected = MakeImage(12, 10, [](int x, int y) {
     bool inClip = Inside(x, y, 2, 2, 10, 8), inSquare = Inside(x, y, 4, 4, 6, 6);
-    return inClip && !inSquare ? Rgba8{} : Rgba8{0, 0, 255, 255};
+    return inClip && !inSquare ? Rgba8{} : kBlue8;
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "layer_unbounded_in_clip"));
 }
@@ -252,12 +237,8 @@ TEST(GraphicsContextCompositing, LayerCompositeActsOnTheWholeClip) {
 // Text and other cairo drawing pass through drawWithCairo: in user space, as
 // one primitive with the context's operation, alpha and shadow.
 TEST(GraphicsContextCompositing, CairoDrawingIsOnePrimitiveBoundedByWhatItDrew) {
-  auto bitmap = Bitmap::create(12, 10);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
-    gc.setFillColor(kBlue);
-    gc.fillRect(MakeRect(0, 0, 12, 10));
+  auto bitmap = Draw(12, 10, [](GraphicsContext& gc) {
+    FillBlue(gc, 12, 10);
     gc.setCompositingOperation(CompositingOperation::Copy);
     gc.setAlpha(0.5);
     gc.setShadow(Shadow(Color::blackColor(), {0, -2}, 0));
@@ -268,33 +249,28 @@ TEST(GraphicsContextCompositing, CairoDrawingIsOnePrimitiveBoundedByWhatItDrew) 
       cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);  // must not leak out
     });
     EXPECT_EQ(gc.compositingOperation(), CompositingOperation::Copy);
-  }
+  });
   // The shadow (2 below) is copied at half alpha, then the red at half alpha
   // replaces what lies under it; the rest stays blue.
   auto expected = MakeImage(12, 10, [](int x, int y) {
     if (Inside(x, y, 2, 6, 6, 9)) return PixelValue::straight(1, 0, 0, 0.5).toRgba8();
     if (Inside(x, y, 2, 4, 6, 6)) return PixelValue::straight(0, 0, 0, 0.5).toRgba8();
-    return Rgba8{0, 0, 255, 255};
+    return kBlue8;
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 1, "cairo_drawing_primitive"));
 }
 
 TEST(GraphicsContextCompositing, GlobalAlphaScalesFillsAndCopyReplacesWithIt) {
-  auto bitmap = Bitmap::create(6, 2);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
-    gc.setFillColor(kBlue);
-    gc.fillRect(MakeRect(0, 0, 6, 2));
+  auto bitmap = Draw(6, 2, [](GraphicsContext& gc) {
+    FillBlue(gc, 6, 2);
     gc.setAlpha(0.5);
     gc.setFillColor(Color::redColor());
     gc.fillRect(MakeRect(0, 0, 3, 2));
     gc.fillRect(MakeRect(3, 0, 3, 2), CompositingOperation::Copy);
-  }
-  const PixelValue blue = PixelValue::straight(0, 0, 1, 1);
+  });
   const PixelValue halfRed = PixelValue::straight(1, 0, 0, 0.5);
   auto expected = MakeImage(6, 2, [&](int x, int) {
-    return (x < 3 ? test::SourceOver(halfRed, blue) : halfRed).toRgba8();
+    return (x < 3 ? test::SourceOver(halfRed, kBlueValue) : halfRed).toRgba8();
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 1, "global_alpha"));
 }
@@ -304,28 +280,22 @@ TEST(GraphicsContextClip, BothWindingRulesAndAntialiasingOff) {
   ring.appendRect(MakeRect(2, 2, 12, 12));
   ring.appendRect(MakeRect(5, 5, 6, 6));  // same direction: a hole only under even-odd
   for (WindingRule rule : {WindingRule::NonZero, WindingRule::EvenOdd}) {
-    auto bitmap = Bitmap::create(16, 16);
-    {
-      BitmapFocus focus(bitmap);
-      focus.context().clip(ring, rule);
-      focus.context().setFillColor(kBlue);
-      focus.context().fillRect(MakeRect(0, 0, 16, 16));
-    }
+    auto bitmap = Draw(16, 16, [&](GraphicsContext& gc) {
+      gc.clip(ring, rule);
+      FillBlue(gc, 16, 16);
+    });
     auto expected = MakeImage(16, 16, [&](int x, int y) {
       bool outer = Inside(x, y, 2, 2, 14, 14), hole = Inside(x, y, 5, 5, 11, 11);
-      bool painted = outer && !(rule == WindingRule::EvenOdd && hole);
-      return painted ? Rgba8{0, 0, 255, 255} : Rgba8{};
+      return outer && !(rule == WindingRule::EvenOdd && hole) ? kBlue8 : Rgba8{};
     });
     EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0,
                             rule == WindingRule::EvenOdd ? "clip_even_odd" : "clip_nonzero"));
   }
 
-  auto aliased = Bitmap::create(20, 20);
-  {
-    BitmapFocus focus(aliased);
-    focus.context().setShouldAntialias(false);
-    focus.context().fill(BezierPath::withOvalInRect(MakeRect(1.3, 2.2, 15.1, 13.7)));
-  }
+  auto aliased = Draw(20, 20, [](GraphicsContext& gc) {
+    gc.setShouldAntialias(false);
+    gc.fill(BezierPath::withOvalInRect(MakeRect(1.3, 2.2, 15.1, 13.7)));
+  });
   int partial = 0, full = 0;
   for (int y = 0; y < 20; ++y) {
     for (int x = 0; x < 20; ++x) {
@@ -348,18 +318,16 @@ TEST(GraphicsContextStroke, OddWidthsOnCentresAndEvenWidthsOnEdgesCoverWholePixe
   };
   for (const Case& c : {Case{10.5, 1, 10, 10}, Case{10, 2, 9, 10}, Case{10.5, 3, 9, 11},
                         Case{10, 4, 8, 11}}) {
-    auto bitmap = Bitmap::create(20, 6);
-    {
-      BitmapFocus focus(bitmap);
+    auto bitmap = Draw(20, 6, [&](GraphicsContext& gc) {
       BezierPath line;
       line.moveTo({c.x, -1});
       line.lineTo({c.x, 7});
       line.setLineWidth(c.width);
-      focus.context().setStrokeColor(kBlue);
-      focus.context().stroke(line);
-    }
+      gc.setStrokeColor(kBlue);
+      gc.stroke(line);
+    });
     auto expected = MakeImage(20, 6, [&](int x, int) {
-      return x >= c.firstColumn && x <= c.lastColumn ? Rgba8{0, 0, 255, 255} : Rgba8{};
+      return x >= c.firstColumn && x <= c.lastColumn ? kBlue8 : Rgba8{};
     });
     EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0,
                             "stroke_width_" + std::to_string(static_cast<int>(c.width))));
@@ -367,10 +335,7 @@ TEST(GraphicsContextStroke, OddWidthsOnCentresAndEvenWidthsOnEdgesCoverWholePixe
 }
 
 TEST(GraphicsContextStroke, WidthZeroIsOneDevicePixelAndDashesAlternate) {
-  auto bitmap = Bitmap::create(20, 6);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(20, 6, [](GraphicsContext& gc) {
     gc.concat(AffineTransform::scaling(2, 2));
     BezierPath hairline;
     hairline.moveTo({5.25, -1});
@@ -378,21 +343,17 @@ TEST(GraphicsContextStroke, WidthZeroIsOneDevicePixelAndDashesAlternate) {
     hairline.setLineWidth(0);  // device pixel 10 after the scale
     gc.setStrokeColor(kBlue);
     gc.stroke(hairline);
-  }
-  auto expected = MakeImage(20, 6, [](int x, int) {
-    return x == 10 ? Rgba8{0, 0, 255, 255} : Rgba8{};
   });
+  auto expected = MakeImage(20, 6, [](int x, int) { return x == 10 ? kBlue8 : Rgba8{}; });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "stroke_width_zero"));
 
-  auto dashed = Bitmap::create(12, 1);
-  {
-    BitmapFocus focus(dashed);
+  auto dashed = Draw(12, 1, [](GraphicsContext& gc) {
     BezierPath line;
     line.moveTo({0, 0.5});
     line.lineTo({12, 0.5});
     line.setLineDash({3, 1}, 1);  // starts one unit into the first dash
-    focus.context().stroke(line);
-  }
+    gc.stroke(line);
+  });
   // Phase 1: on for 2, off 1, on 3, off 1, ...
   const bool on[12] = {1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 0, 1};
   for (int x = 0; x < 12; ++x) {
@@ -401,10 +362,7 @@ TEST(GraphicsContextStroke, WidthZeroIsOneDevicePixelAndDashesAlternate) {
 }
 
 TEST(GraphicsContextTransform, ConcatAppliesBeforeTheCurrentTransform) {
-  auto bitmap = Bitmap::create(10, 10);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(10, 10, [](GraphicsContext& gc) {
     gc.translate(6, 2);
     gc.concat(AffineTransform::rotationDegrees(90));  // (x, y) → (−y, x), then translate
     gc.setFillColor(kBlue);
@@ -412,10 +370,8 @@ TEST(GraphicsContextTransform, ConcatAppliesBeforeTheCurrentTransform) {
     LogCapture log;
     gc.concat(AffineTransform::scaling(0, 1));
     EXPECT_TRUE(log.contains("singular"));
-  }
-  auto expected = MakeImage(10, 10, [](int x, int y) {
-    return Inside(x, y, 3, 3, 5, 7) ? Rgba8{0, 0, 255, 255} : Rgba8{};
   });
+  auto expected = MakeImage(10, 10, [](int x, int y) { return Inside(x, y, 3, 3, 5, 7) ? kBlue8 : Rgba8{}; });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "concat_rotation"));
 }
 
@@ -424,11 +380,8 @@ TEST(GraphicsContextTransform, ConcatAppliesBeforeTheCurrentTransform) {
 TEST(GraphicsContextRobustness, HostileValuesDrawNothingAndLeaveTheContextWorking) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double infinity = std::numeric_limits<double>::infinity();
-  auto bitmap = Bitmap::create(8, 8);
   auto image = Bitmap::create(2, 2);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(8, 8, [&](GraphicsContext& gc) {
     BezierPath broken;
     broken.moveTo({0, 0});
     broken.lineTo({nan, 4});
@@ -448,7 +401,7 @@ TEST(GraphicsContextRobustness, HostileValuesDrawNothingAndLeaveTheContextWorkin
     gc.drawGradient(Gradient::withStartingColor(Color::redColor(), Color::blueColor()), wide, nan);
     gc.setFillColor(Color::calibratedRGB(nan, 2, -1, 1));
     gc.fillRect(MakeRect(4, 4, 4, 4));
-  }
+  });
   // The last fill still landed: the context never broke.
   EXPECT_EQ(PixelAt(*bitmap, 6, 6), (Rgba8{0, 255, 0, 255}));
 }

@@ -52,21 +52,20 @@ std::vector<uint8_t> MakeBmp(int32_t width, int32_t height, uint16_t bits, uint3
                              int32_t pixelsPerMetre = 0) {
   uint32_t infoSize = v4Masks.empty() ? 40 : 108;
   uint32_t offset = 14 + infoSize + static_cast<uint32_t>(palette.size() * 4);
+  const auto size = static_cast<uint32_t>(pixels.size());
+  const auto resolution = static_cast<uint32_t>(pixelsPerMetre);
   std::vector<uint8_t> out = {'B', 'M'};
-  AppendU32(out, offset + static_cast<uint32_t>(pixels.size()));
-  AppendU32(out, 0);
-  AppendU32(out, offset);
-  AppendU32(out, infoSize);
-  AppendU32(out, static_cast<uint32_t>(width));
-  AppendU32(out, static_cast<uint32_t>(height));
-  AppendU16(out, 1);
+  // File header: size, reserved, pixel offset; info header: its size, the dimensions.
+  for (uint32_t v : {offset + size, 0u, offset, infoSize, static_cast<uint32_t>(width),
+                     static_cast<uint32_t>(height)}) {
+    AppendU32(out, v);
+  }
+  AppendU16(out, 1);  // planes
   AppendU16(out, bits);
-  AppendU32(out, compression);
-  AppendU32(out, static_cast<uint32_t>(pixels.size()));
-  AppendU32(out, static_cast<uint32_t>(pixelsPerMetre));
-  AppendU32(out, static_cast<uint32_t>(pixelsPerMetre));
-  AppendU32(out, static_cast<uint32_t>(palette.size()));
-  AppendU32(out, 0);
+  for (uint32_t v : {compression, size, resolution, resolution,
+                     static_cast<uint32_t>(palette.size()), 0u}) {
+    AppendU32(out, v);
+  }
   for (uint32_t mask : v4Masks) AppendU32(out, mask);
   out.resize(14 + infoSize, 0);
   for (uint32_t entry : palette) AppendU32(out, entry);  // 0x00RRGGBB as B, G, R, 0
@@ -344,20 +343,17 @@ TEST(ImageCodecs, Bmp24BitBottomUpWithRowPadding) {
   EXPECT_NEAR(b.size().width, 1.5, 0.01);
 }
 
-TEST(ImageCodecs, Bmp32BitTopDownWithAlphaMaskIsPremultiplied) {
-  std::vector<uint8_t> pixels = {50, 100, 200, 128, 0, 0, 0, 0};  // B G R A
-  DecodedImage decoded = ReadImage(MakeBmp(2, -1, 32, 3, {}, pixels,
-                                           {0x00ff0000, 0x0000ff00, 0x000000ff, 0xff000000}));
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0), (Rgba8{100, 50, 25, 128}));
-  EXPECT_EQ(decoded.bitmap->pixelAt(1, 0), (Rgba8{0, 0, 0, 0}));
-}
-
-TEST(ImageCodecs, Bmp32BitWithUnusedAlphaBytesIsOpaque) {
-  std::vector<uint8_t> pixels = {50, 100, 200, 0};
-  DecodedImage decoded = ReadImage(MakeBmp(1, 1, 32, 0, {}, pixels));
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0), (Rgba8{200, 100, 50, 255}));
+// Top-down with an alpha mask: premultiplied; without a mask the fourth byte is unused.
+TEST(ImageCodecs, Bmp32BitAlphaOnlyWithAMask) {
+  const std::vector<uint8_t> pixels = {50, 100, 200, 128, 0, 0, 0, 0};  // B G R A
+  DecodedImage masked = ReadImage(MakeBmp(2, -1, 32, 3, {}, pixels,
+                                          {0x00ff0000, 0x0000ff00, 0x000000ff, 0xff000000}));
+  ASSERT_TRUE(masked) << masked.error;
+  EXPECT_EQ(masked.bitmap->pixelAt(0, 0), (Rgba8{100, 50, 25, 128}));
+  EXPECT_EQ(masked.bitmap->pixelAt(1, 0), (Rgba8{0, 0, 0, 0}));
+  DecodedImage unmasked = ReadImage(MakeBmp(1, 1, 32, 0, {}, {50, 100, 200, 0}));
+  ASSERT_TRUE(unmasked) << unmasked.error;
+  EXPECT_EQ(unmasked.bitmap->pixelAt(0, 0), (Rgba8{200, 100, 50, 255}));
 }
 
 TEST(ImageCodecs, BmpPalettesIn1BitAndRle8) {

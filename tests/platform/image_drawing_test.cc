@@ -3,14 +3,16 @@
 // bitmaps' resolutions, with shadows of their own alpha.
 #include <gtest/gtest.h>
 
-#include "platform/graphics_context.h"
+#include "platform/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 
 namespace paintdoc {
 namespace {
 
+using test::Draw;
 using test::ImagesMatch;
+using test::Inside;
 using test::MakeImage;
 using test::PixelAt;
 using test::PixelValue;
@@ -25,21 +27,14 @@ std::shared_ptr<Bitmap> Solid(int w, int h, Rgba8 pixel) {
   return MakeImage(w, h, [=](int, int) { return pixel; });
 }
 
-bool InRect(int x, int y, int x0, int y0, int x1, int y1) {
-  return x >= x0 && x < x1 && y >= y0 && y < y1;
-}
-
 TEST(ImageDrawing, ScaledWithoutInterpolationRepeatsEachPixel) {
   auto card = Card();
-  auto bitmap = Bitmap::create(24, 24);
-  {
-    BitmapFocus focus(bitmap);
-    focus.context().setImageInterpolation(ImageInterpolation::None);
-    focus.context().drawBitmap(*card, MakeRect(2, 2, 20, 20), ZeroRect(),
-                               CompositingOperation::SourceOver, 1.0);
-  }
+  auto bitmap = Draw(24, 24, [&](GraphicsContext& gc) {
+    gc.setImageInterpolation(ImageInterpolation::None);
+    gc.drawBitmap(*card, MakeRect(2, 2, 20, 20), ZeroRect(), CompositingOperation::SourceOver, 1.0);
+  });
   auto expected = MakeImage(24, 24, [](int x, int y) {
-    return InRect(x, y, 2, 2, 22, 22) ? CardPixel((x - 2) / 5, (y - 2) / 5) : Rgba8{};
+    return Inside(x, y, 2, 2, 22, 22) ? CardPixel((x - 2) / 5, (y - 2) / 5) : Rgba8{};
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "image_scaled_nearest"));
 }
@@ -48,15 +43,12 @@ TEST(ImageDrawing, ScaledImagesKeepOpaqueEdgesAtEveryQuality) {
   auto solid = Solid(4, 4, {200, 100, 50, 255});
   for (ImageInterpolation quality : {ImageInterpolation::Default, ImageInterpolation::High,
                                      ImageInterpolation::Low}) {
-    auto bitmap = Bitmap::create(110, 110);
-    {
-      BitmapFocus focus(bitmap);
-      focus.context().setImageInterpolation(quality);
-      focus.context().drawBitmap(*solid, MakeRect(5, 5, 100, 100), ZeroRect(),
-                                 CompositingOperation::SourceOver, 1.0);
-    }
+    auto bitmap = Draw(110, 110, [&](GraphicsContext& gc) {
+      gc.setImageInterpolation(quality);
+      gc.drawBitmap(*solid, MakeRect(5, 5, 100, 100), ZeroRect(), CompositingOperation::SourceOver, 1.0);
+    });
     auto expected = MakeImage(110, 110, [](int x, int y) {
-      return InRect(x, y, 5, 5, 105, 105) ? Rgba8{200, 100, 50, 255} : Rgba8{};
+      return Inside(x, y, 5, 5, 105, 105) ? Rgba8{200, 100, 50, 255} : Rgba8{};
     });
     EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0,
                             "image_edges_" + std::to_string(static_cast<int>(quality))));
@@ -65,14 +57,11 @@ TEST(ImageDrawing, ScaledImagesKeepOpaqueEdgesAtEveryQuality) {
 
 TEST(ImageDrawing, SourceRectangleIsMeasuredFromTheLowerLeft) {
   auto card = Card();
-  auto bitmap = Bitmap::create(4, 4);
-  {
-    BitmapFocus focus(bitmap);
-    focus.context().setImageInterpolation(ImageInterpolation::None);
+  auto bitmap = Draw(4, 4, [&](GraphicsContext& gc) {
+    gc.setImageInterpolation(ImageInterpolation::None);
     // The upper right quarter, doubled.
-    focus.context().drawBitmap(*card, MakeRect(0, 0, 4, 4), MakeRect(2, 2, 2, 2),
-                               CompositingOperation::Copy, 1.0);
-  }
+    gc.drawBitmap(*card, MakeRect(0, 0, 4, 4), MakeRect(2, 2, 2, 2), CompositingOperation::Copy, 1.0);
+  });
   auto expected = MakeImage(4, 4, [](int x, int y) { return CardPixel(2 + x / 2, 2 + y / 2); });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "image_source_rect"));
 }
@@ -83,14 +72,11 @@ TEST(ImageDrawing, FractionMultipliesAlphaAndCopyReplacesOnlyTheRectangle) {
   const PixelValue source = PixelValue::straight(1, 0, 0, 0.8);
   for (CompositingOperation operation : {CompositingOperation::SourceOver, CompositingOperation::Copy,
                                          CompositingOperation::DestinationOut}) {
-    auto bitmap = Bitmap::create(8, 4);
-    {
-      BitmapFocus focus(bitmap);
-      GraphicsContext& gc = focus.context();
+    auto bitmap = Draw(8, 4, [&](GraphicsContext& gc) {
       gc.setFillColor(Color::whiteColor());
       gc.fillRect(MakeRect(0, 0, 8, 4));
       gc.drawBitmap(*image, MakeRect(2, 0, 4, 4), ZeroRect(), operation, 0.5);
-    }
+    });
     PixelValue inside;
     switch (operation) {
       case CompositingOperation::Copy: inside = source * 0.5; break;
@@ -111,38 +97,29 @@ TEST(ImageDrawing, PlainDrawCopiesPixelsAtTheBitmapsResolution) {
   card->setSizeWithDPI(144);  // 2 × 2 points
   auto bitmap = Bitmap::create(8, 8);
   bitmap->setSizeWithDPI(144);  // 4 × 4 points
-  {
-    BitmapFocus focus(bitmap);
-    focus.context().drawBitmap(*card, Point{1, 1});
-  }
+  test::DrawInto(bitmap, [&](GraphicsContext& gc) { gc.drawBitmap(*card, Point{1, 1}); });
   auto expected = MakeImage(8, 8, [](int x, int y) {
-    return InRect(x, y, 2, 2, 6, 6) ? CardPixel(x - 2, y - 2) : Rgba8{};
+    return Inside(x, y, 2, 2, 6, 6) ? CardPixel(x - 2, y - 2) : Rgba8{};
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "image_plain_copy"));
 }
 
 TEST(ImageDrawing, DrawingABitmapIntoItselfReadsTheOriginalPixels) {
   auto card = Card();
-  {
-    BitmapFocus focus(card);
-    focus.context().drawBitmap(*card, Point{1, 0});  // shift right by one
-  }
+  test::DrawInto(card, [&](GraphicsContext& gc) { gc.drawBitmap(*card, Point{1, 0}); });  // shift right
   auto expected = MakeImage(4, 4, [](int x, int y) { return CardPixel(x == 0 ? 0 : x - 1, y); });
   EXPECT_TRUE(ImagesMatch(*card, *expected, 0, "image_into_itself"));
 }
 
 TEST(ImageDrawing, DrawImageUsesTheCurrentOperationAndAlpha) {
   auto image = Solid(1, 1, {0, 255, 0, 255});
-  auto bitmap = Bitmap::create(4, 1);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(4, 1, [&](GraphicsContext& gc) {
     gc.setFillColor(Color::blueColor());
     gc.fillRect(MakeRect(0, 0, 4, 1));
     gc.setAlpha(0.5);
     gc.setCompositingOperation(CompositingOperation::DestinationIn);
     gc.drawImage(*image, MakeRect(0, 0, 2, 1));
-  }
+  });
   // DestinationIn with source alpha 0.5 halves the blue inside the rectangle only.
   EXPECT_EQ(PixelAt(*bitmap, 0, 0), (Rgba8{0, 0, 128, 128}));
   EXPECT_EQ(PixelAt(*bitmap, 3, 0), (Rgba8{0, 0, 255, 255}));
@@ -151,16 +128,13 @@ TEST(ImageDrawing, DrawImageUsesTheCurrentOperationAndAlpha) {
 TEST(ImageDrawing, ImageShadowFollowsTheImagesAlpha) {
   // Left half transparent, right half opaque: only the right half casts.
   auto image = MakeImage(4, 4, [](int x, int) { return x < 2 ? Rgba8{} : Rgba8{0, 0, 255, 255}; });
-  auto bitmap = Bitmap::create(8, 10);
-  {
-    BitmapFocus focus(bitmap);
-    focus.context().setShadow(Shadow(Color::blackColor(), {0, -4}, 0));
-    focus.context().drawBitmap(*image, MakeRect(2, 5, 4, 4), ZeroRect(),
-                               CompositingOperation::SourceOver, 1.0);
-  }
+  auto bitmap = Draw(8, 10, [&](GraphicsContext& gc) {
+    gc.setShadow(Shadow(Color::blackColor(), {0, -4}, 0));
+    gc.drawBitmap(*image, MakeRect(2, 5, 4, 4), ZeroRect(), CompositingOperation::SourceOver, 1.0);
+  });
   auto expected = MakeImage(8, 10, [](int x, int y) {
-    if (InRect(x, y, 4, 5, 6, 9)) return Rgba8{0, 0, 255, 255};
-    if (InRect(x, y, 4, 1, 6, 5)) return Rgba8{0, 0, 0, 255};
+    if (Inside(x, y, 4, 5, 6, 9)) return Rgba8{0, 0, 255, 255};
+    if (Inside(x, y, 4, 1, 6, 5)) return Rgba8{0, 0, 0, 255};
     return Rgba8{};
   });
   EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 0, "image_shadow"));

@@ -3,7 +3,7 @@
 // blurred with σ has the value Φ((x − a)/σ) − Φ((x − b)/σ) at x.
 #include <gtest/gtest.h>
 
-#include "platform/graphics_context.h"
+#include "platform/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 
@@ -11,7 +11,9 @@ namespace paintdoc {
 namespace {
 
 using test::BlurredBox;
+using test::Draw;
 using test::ImagesMatch;
+using test::Inside;
 using test::MakeImage;
 using test::PixelValue;
 
@@ -21,10 +23,6 @@ const PixelValue kBlack = PixelValue::straight(0, 0, 0, 1);
 // A rectangle [x0, x1) × [y0, y1) blurred with σ, at pixel (x, y).
 double BlurredRect(int x, int y, double x0, double y0, double x1, double y1, double sigma) {
   return BlurredBox(x, x0, x1, sigma) * BlurredBox(y, y0, y1, sigma);
-}
-
-bool Inside(int x, int y, int x0, int y0, int x1, int y1) {
-  return x >= x0 && x < x1 && y >= y0 && y < y1;
 }
 
 void FillWhite(GraphicsContext& gc, int width, int height) {
@@ -44,15 +42,12 @@ TEST(ShadowBlur, RadiusMapsToSigmaAsTheReferenceCurve) {
 TEST(ShadowDrawing, FilledShapeCastsABlurredOffsetShadowUnderIt) {
   // Blur 4 → σ 2; offset (5, −3) moves the shadow right and down.
   constexpr double kSigma = 2, kAlpha = 0.6;
-  auto bitmap = Bitmap::create(40, 36);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(40, 36, [&](GraphicsContext& gc) {
     FillWhite(gc, 40, 36);
     gc.setShadow(Shadow(Color::calibratedWhite(0, kAlpha), {5, -3}, 4));
     gc.setFillColor(Color::calibratedRGB(1, 0, 0, 1));
     gc.fill(BezierPath::withRect(MakeRect(10, 12, 16, 14)));
-  }
+  });
   auto expected = MakeImage(40, 36, [&](int x, int y) {
     if (Inside(x, y, 10, 12, 26, 26)) return Rgba8{255, 0, 0, 255};
     double shadow = kAlpha * BlurredRect(x, y, 15, 9, 31, 23, kSigma);
@@ -65,17 +60,14 @@ TEST(ShadowDrawing, StrokedShapeCastsTheShadowOfItsOutline) {
   // Blur 6 → σ 3 (box passes). A 4-wide outline of the square [8, 32)² is the
   // outer square minus the inner one; its blurred shadow is the difference too.
   constexpr double kSigma = 3;
-  auto bitmap = Bitmap::create(48, 48);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(48, 48, [&](GraphicsContext& gc) {
     FillWhite(gc, 48, 48);
     gc.setShadow(Shadow(Color::blackColor(), {4, 4}, 6));
     gc.setStrokeColor(Color::calibratedRGB(0, 0, 1, 1));
     BezierPath outline = BezierPath::withRect(MakeRect(10, 10, 20, 20));
     outline.setLineWidth(4);
     gc.stroke(outline);
-  }
+  });
   auto expected = MakeImage(48, 48, [&](int x, int y) {
     if (Inside(x, y, 8, 8, 32, 32) && !Inside(x, y, 12, 12, 28, 28)) return Rgba8{0, 0, 255, 255};
     double shadow = BlurredRect(x, y, 12, 12, 36, 36, kSigma) - BlurredRect(x, y, 16, 16, 32, 32, kSigma);
@@ -86,16 +78,13 @@ TEST(ShadowDrawing, StrokedShapeCastsTheShadowOfItsOutline) {
 
 TEST(ShadowDrawing, ShadowIgnoresTheTransformButRespectsTheClip) {
   // Under a scale of 2 the offset and blur stay in pixels; the clip cuts the shadow.
-  auto bitmap = Bitmap::create(30, 20);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(30, 20, [&](GraphicsContext& gc) {
     gc.concat(AffineTransform::scaling(2, 2));
     gc.clipToRect(MakeRect(0, 0, 10, 10));  // pixels [0, 20)²
     gc.setShadow(Shadow(Color::blackColor(), {6, 0}, 0));
     gc.setFillColor(Color::calibratedRGB(0, 1, 0, 1));
     gc.fillRect(MakeRect(2, 2, 4, 4));  // pixels [4, 12)²; shadow [10, 18) × [4, 12)
-  }
+  });
   auto expected = MakeImage(30, 20, [](int x, int y) {
     if (Inside(x, y, 4, 4, 12, 12)) return Rgba8{0, 255, 0, 255};
     if (Inside(x, y, 12, 4, 18, 12)) return Rgba8{0, 0, 0, 255};
@@ -109,10 +98,7 @@ TEST(ShadowDrawing, OverlappingPrimitivesEachCastAShadowButALayerCastsOne) {
   // second's shadow darkens the first square's exposed part of the shadow
   // again; inside a layer the union casts a single shadow.
   for (bool inLayer : {false, true}) {
-    auto bitmap = Bitmap::create(24, 20);
-    {
-      BitmapFocus focus(bitmap);
-      GraphicsContext& gc = focus.context();
+    auto bitmap = Draw(24, 20, [&](GraphicsContext& gc) {
       FillWhite(gc, 24, 20);
       gc.setShadow(Shadow(Color::calibratedWhite(0, 0.5), {0, -3}, 0));
       if (inLayer) gc.beginTransparencyLayer();
@@ -120,7 +106,7 @@ TEST(ShadowDrawing, OverlappingPrimitivesEachCastAShadowButALayerCastsOne) {
       gc.fillRect(MakeRect(4, 8, 8, 8));
       gc.fillRect(MakeRect(8, 8, 8, 8));
       if (inLayer) gc.endTransparencyLayer();
-    }
+    });
     auto expected = MakeImage(24, 20, [&](int x, int y) {
       if (Inside(x, y, 4, 8, 16, 16)) return Rgba8{255, 0, 0, 255};
       bool firstShadow = Inside(x, y, 4, 5, 12, 13), secondShadow = Inside(x, y, 8, 5, 16, 13);
@@ -135,10 +121,7 @@ TEST(ShadowDrawing, OverlappingPrimitivesEachCastAShadowButALayerCastsOne) {
 
 TEST(ShadowDrawing, LayerCompositesWithTheAlphaAndShadowInForceAtItsBeginning) {
   constexpr double kSigma = 2;  // blur 4
-  auto bitmap = Bitmap::create(40, 40);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(40, 40, [&](GraphicsContext& gc) {
     FillWhite(gc, 40, 40);
     gc.setAlpha(0.5);
     gc.setShadow(Shadow(Color::blackColor(), {4, -4}, 4));
@@ -146,7 +129,7 @@ TEST(ShadowDrawing, LayerCompositesWithTheAlphaAndShadowInForceAtItsBeginning) {
     gc.setFillColor(Color::calibratedRGB(0, 0, 1, 1));  // drawn at full alpha inside
     gc.fillRect(MakeRect(10, 14, 16, 16));
     gc.endTransparencyLayer();
-  }
+  });
   auto expected = MakeImage(40, 40, [&](int x, int y) {
     double shadow = 0.5 * BlurredRect(x, y, 14, 10, 30, 26, kSigma);
     PixelValue result = test::SourceOver(kBlack * shadow, kWhite);
@@ -157,10 +140,7 @@ TEST(ShadowDrawing, LayerCompositesWithTheAlphaAndShadowInForceAtItsBeginning) {
 }
 
 TEST(ShadowDrawing, LayerShadowIncludesTheShadowsDrawnInsideTheLayer) {
-  auto bitmap = Bitmap::create(40, 20);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(40, 20, [&](GraphicsContext& gc) {
     FillWhite(gc, 40, 20);
     gc.setShadow(Shadow(Color::calibratedWhite(0, 0.5), {20, 0}, 0));
     gc.beginTransparencyLayer();
@@ -168,7 +148,7 @@ TEST(ShadowDrawing, LayerShadowIncludesTheShadowsDrawnInsideTheLayer) {
     gc.setFillColor(Color::calibratedRGB(1, 0, 0, 1));
     gc.fillRect(MakeRect(2, 8, 4, 4));
     gc.endTransparencyLayer();
-  }
+  });
   // The layer holds the red square and its black shadow 10 to the right; the
   // layer's own shadow repeats both, 20 to the right, at half strength.
   auto expected = MakeImage(40, 20, [](int x, int y) {
@@ -185,13 +165,9 @@ TEST(ShadowDrawing, LayerShadowIncludesTheShadowsDrawnInsideTheLayer) {
 // edges facing away from the offset, a·(1 − blur(P shifted)), nothing outside.
 TEST(ShadowDrawing, InnerShadowIdiomPaintsABandInsideOnTheSideAwayFromTheOffset) {
   constexpr double kSigma = 2, kAlpha = 0.8;
-  auto bitmap = Bitmap::create(48, 48);
-  const Rect box = MakeRect(12, 12, 24, 24);
-  {
-    BitmapFocus focus(bitmap);
-    GraphicsContext& gc = focus.context();
+  auto bitmap = Draw(48, 48, [&](GraphicsContext& gc) {
     FillWhite(gc, 48, 48);
-    BezierPath path = BezierPath::withRect(box);
+    BezierPath path = BezierPath::withRect(MakeRect(12, 12, 24, 24));
     Color color = Color::calibratedRGB(0.2, 0.1, 0.6, kAlpha);
     gc.saveGraphicsState();
     gc.clipToRect(path.bounds());
@@ -205,7 +181,7 @@ TEST(ShadowDrawing, InnerShadowIdiomPaintsABandInsideOnTheSideAwayFromTheOffset)
     gc.endTransparencyLayer();
     gc.endTransparencyLayer();
     gc.restoreGraphicsState();
-  }
+  });
   auto expected = MakeImage(48, 48, [&](int x, int y) {
     if (!Inside(x, y, 12, 12, 36, 36)) return Rgba8{255, 255, 255, 255};
     double band = kAlpha * (1 - BlurredRect(x, y, 17, 7, 41, 31, kSigma));
@@ -220,15 +196,15 @@ TEST(ShadowDrawing, InnerShadowIdiomPaintsABandInsideOnTheSideAwayFromTheOffset)
 }
 
 TEST(ShadowDrawing, InvisibleShadowsDrawNothingExtra) {
-  auto withShadow = Bitmap::create(16, 16), without = Bitmap::create(16, 16);
-  for (auto& bitmap : {withShadow, without}) {
-    BitmapFocus focus(bitmap);
-    if (bitmap == withShadow) focus.context().setShadow(Shadow(Color::clearColor(), {3, 3}, 2));
-    focus.context().fill(BezierPath::withOvalInRect(MakeRect(2, 2, 9, 9)));
-    focus.context().setShadow(Shadow(Color::blackColor(), {0, 0}, 0));
-    focus.context().fill(BezierPath::withOvalInRect(MakeRect(5, 5, 9, 9)));
-  }
-  EXPECT_TRUE(withShadow->samePixels(*without));
+  auto draw = [](bool clearShadow) {
+    return Draw(16, 16, [&](GraphicsContext& gc) {
+      if (clearShadow) gc.setShadow(Shadow(Color::clearColor(), {3, 3}, 2));
+      gc.fill(BezierPath::withOvalInRect(MakeRect(2, 2, 9, 9)));
+      gc.setShadow(Shadow(Color::blackColor(), {0, 0}, 0));
+      gc.fill(BezierPath::withOvalInRect(MakeRect(5, 5, 9, 9)));
+    });
+  };
+  EXPECT_TRUE(draw(true)->samePixels(*draw(false)));
 }
 
 }  // namespace
