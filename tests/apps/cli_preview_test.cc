@@ -2,8 +2,6 @@
 // them: output, exit status and the one-line diagnosis.
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-
 #include <filesystem>
 
 #include "app_fixtures.h"
@@ -56,7 +54,7 @@ TEST(CliRender, RefusedFilesExitWithOneLineAndNoOutput) {
     const ProgramResult result = RunProgram({kTool, "render", c.input, "-o", output});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_EQ(result.err, "paintdoc: " + c.input + ": " + c.diagnosis + "\n");
-    EXPECT_FALSE(FileExists(output));
+    EXPECT_FALSE(std::filesystem::exists(output));
   }
   const ProgramResult missing =
       RunProgram({kTool, "render", OutputPath("apps/absent.paintdoc"), "-o", "/dev/null"});
