@@ -98,16 +98,9 @@ TEST(PreviewSource, EachKindOfContentGetsItsStatusAndDiagnosis) {
   EXPECT_EQ(Read(cases[1].bytes).version, 0);  // a missing version reads as 0
 }
 
-TEST(PreviewSource, MissingFileIsUnreadableAndNamed) {
-  const PreviewSource missing =
-      ReadPreviewSource(test::OutputPath("preview/no-such-file"), PreviewKind::Thumbnail);
-  EXPECT_EQ(missing.status, PreviewStatus::Unreadable);
-  EXPECT_NE(missing.diagnosis.find("no-such-file"), std::string::npos);
-}
-
-TEST(PreviewSource, ContentIsRecognisedByItsBytesNotItsName) {
-  const std::string documentNamedPng = test::OutputPath("preview/document.png");
+TEST(PreviewSource, FilesAreRecognisedByTheirBytesNotTheirName) {
   RegisterAllClasses();
+  const std::string documentNamedPng = test::OutputPath("preview/document.png");
   ASSERT_TRUE(WriteFileBytes(documentNamedPng,
                              WriteDocumentContainer(*PaintManager::withSize({7, 3}))));
   EXPECT_EQ(ReadPreviewSource(documentNamedPng, PreviewKind::Preview).status,
@@ -116,6 +109,10 @@ TEST(PreviewSource, ContentIsRecognisedByItsBytesNotItsName) {
   ASSERT_TRUE(WriteFileBytes(pngNamedDocument, TwoByTwoPng()));
   EXPECT_EQ(ReadPreviewSource(pngNamedDocument, PreviewKind::Preview).status,
             PreviewStatus::Image);
+  const PreviewSource missing =
+      ReadPreviewSource(test::OutputPath("preview/no-such-file"), PreviewKind::Thumbnail);
+  EXPECT_EQ(missing.status, PreviewStatus::Unreadable);
+  EXPECT_NE(missing.diagnosis.find("no-such-file"), std::string::npos);
 }
 
 TEST(PreviewLimits, EachLimitRefusesWithItsOwnReason) {
@@ -144,10 +141,11 @@ TEST(PreviewLimits, EachLimitRefusesWithItsOwnReason) {
 }
 
 TEST(PreviewLimits, DefaultsRefuseOversizedAndInvalidCanvases) {
-  EXPECT_EQ(Read(Container(CanvasArchive({32768, 10}), 10)).status, PreviewStatus::SizeRefused);
-  EXPECT_EQ(Read(Container(CanvasArchive({20000, 20000}), 10)).status,
-            PreviewStatus::SizeRefused);
-  EXPECT_EQ(Read(Container(CanvasArchive({32767, 10}), 10)).status, PreviewStatus::Document);
+  for (const auto& [size, status] : {std::pair{Size{32768, 10}, PreviewStatus::SizeRefused},
+                                     std::pair{Size{20000, 20000}, PreviewStatus::SizeRefused},
+                                     std::pair{Size{32767, 10}, PreviewStatus::Document}}) {
+    EXPECT_EQ(Read(Container(CanvasArchive(size), 10)).status, status) << size.width;
+  }
   RegisterAllClasses();
   const auto negative = test::ArchiveRoot(test::KeysAs("PaintManager", [](KeyedArchiver& c) {
     c.encodeStringForKey("{-5, 10}", "CanvasSize");
