@@ -1,7 +1,5 @@
 #include "app_fixtures.h"
 
-#include <sys/stat.h>
-
 #include <fstream>
 #include <iterator>
 
@@ -80,11 +78,6 @@ PngFacts ReadPngFacts(const std::string& path) {
     at += 12 + length;
   }
   return facts;
-}
-
-bool FileExists(const std::string& path) {
-  struct stat info {};
-  return stat(path.c_str(), &info) == 0;
 }
 
 }  // namespace paintdoc::test

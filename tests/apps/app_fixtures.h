@@ -28,6 +28,4 @@ struct PngFacts {
 };
 PngFacts ReadPngFacts(const std::string& path);
 
-bool FileExists(const std::string& path);
-
 }  // namespace paintdoc::test

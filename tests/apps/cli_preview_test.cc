@@ -2,8 +2,6 @@
 // them: output, exit status and the one-line diagnosis.
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-
 #include <filesystem>
 
 #include "app_fixtures.h"
@@ -15,27 +13,26 @@ namespace {
 
 const std::string kTool = AppPath("paintdoc");
 
-TEST(CliRender, WritesAnRgbaPngOfTheCanvasSize) {
-  const std::string input = WriteDocumentFile("render-input.paintdoc", {120, 80});
-  const std::string output = OutputPath("apps/render-output.png");
-  std::remove(output.c_str());
-  const ProgramResult result = RunProgram({kTool, "render", input, "-o", output});
-  EXPECT_EQ(result.exitStatus, 0) << result.err;
-  EXPECT_EQ(result.err, "");
-  const PngFacts png = ReadPngFacts(output);
-  ASSERT_TRUE(png.valid);
-  EXPECT_EQ(png.width, 120u);
-  EXPECT_EQ(png.height, 80u);
-  EXPECT_EQ(png.colorType, 6);
-}
-
-TEST(CliRender, PlainImageIsRenderedAtItsSize) {
-  const std::string input = WriteBytesFile("small-image.paintdoc", SmallPng());
-  const std::string output = OutputPath("apps/small-image.png");
-  ASSERT_EQ(RunProgram({kTool, "render", "-o", output, input}).exitStatus, 0);
-  const PngFacts png = ReadPngFacts(output);
-  EXPECT_EQ(png.width, 2u);
-  EXPECT_EQ(png.height, 1u);
+TEST(CliRender, WritesAnRgbaPngOfTheContentSize) {
+  struct Case {
+    std::string input;
+    uint32_t width, height;
+  };
+  const Case cases[] = {{WriteDocumentFile("render-input.paintdoc", {120, 80}), 120, 80},
+                        {WriteBytesFile("small-image.paintdoc", SmallPng()), 2, 1}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.input);
+    const std::string output = OutputPath("apps/render-output.png");
+    std::remove(output.c_str());
+    const ProgramResult result = RunProgram({kTool, "render", "-o", output, c.input});
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    const PngFacts png = ReadPngFacts(output);
+    ASSERT_TRUE(png.valid);
+    EXPECT_EQ(png.width, c.width);
+    EXPECT_EQ(png.height, c.height);
+    EXPECT_EQ(png.colorType, 6);
+  }
 }
 
 TEST(CliRender, RefusedFilesExitWithOneLineAndNoOutput) {
@@ -57,7 +54,7 @@ TEST(CliRender, RefusedFilesExitWithOneLineAndNoOutput) {
     const ProgramResult result = RunProgram({kTool, "render", c.input, "-o", output});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_EQ(result.err, "paintdoc: " + c.input + ": " + c.diagnosis + "\n");
-    EXPECT_FALSE(FileExists(output));
+    EXPECT_FALSE(std::filesystem::exists(output));
   }
   const ProgramResult missing =
       RunProgram({kTool, "render", OutputPath("apps/absent.paintdoc"), "-o", "/dev/null"});
@@ -66,43 +63,44 @@ TEST(CliRender, RefusedFilesExitWithOneLineAndNoOutput) {
   EXPECT_NE(missing.err.find("No such file"), std::string::npos);
 }
 
-TEST(CliRender, UnwritableOutputExitsWithThree) {
+TEST(CliRender, ZeroCanvasAndUnwritableOutput) {
+  const std::string zero = WriteDocumentFile("zero.paintdoc", {0, 0});
+  const ProgramResult empty =
+      RunProgram({kTool, "render", zero, "-o", OutputPath("apps/zero.png")});
+  EXPECT_EQ(empty.exitStatus, 1);
+  EXPECT_NE(empty.err.find("0 x 0"), std::string::npos);
   const std::string input = WriteDocumentFile("unwritable.paintdoc", {4, 4});
-  const ProgramResult result =
+  const ProgramResult unwritable =
       RunProgram({kTool, "render", input, "-o", "/nonexistent-directory/out.png"});
-  EXPECT_EQ(result.exitStatus, 3);
-  EXPECT_EQ(Lines(result.err).size(), 1u);
-}
-
-TEST(CliRender, ZeroSizedCanvasHasNothingToWrite) {
-  const std::string input = WriteDocumentFile("zero.paintdoc", {0, 0});
-  const ProgramResult result = RunProgram({kTool, "render", input, "-o", OutputPath("apps/zero.png")});
-  EXPECT_EQ(result.exitStatus, 1);
-  EXPECT_NE(result.err.find("0 x 0"), std::string::npos);
+  EXPECT_EQ(unwritable.exitStatus, 3);
+  EXPECT_EQ(Lines(unwritable.err).size(), 1u);
 }
 
 TEST(CliThumbnail, FitsIntoTheSquareAndRecordsTheSourceSize) {
-  const std::string input = WriteDocumentFile("thumb.paintdoc", {640, 480});
-  const std::string output = OutputPath("apps/thumb.png");
-  ASSERT_EQ(RunProgram({kTool, "thumbnail", input, output, "-s", "64"}).exitStatus, 0);
-  const PngFacts png = ReadPngFacts(output);
-  EXPECT_EQ(png.width, 64u);
-  EXPECT_EQ(png.height, 48u);
-  EXPECT_EQ(png.colorType, 6);
-  EXPECT_EQ(png.text.at("Thumb::Image::Width"), "640");
-  EXPECT_EQ(png.text.at("Thumb::Image::Height"), "480");
-}
-
-TEST(CliThumbnail, DefaultSizeIs256AndSmallContentIsNotEnlarged) {
-  const std::string large = WriteDocumentFile("thumb-large.paintdoc", {300, 1000});
-  const std::string output = OutputPath("apps/thumb-default.png");
-  ASSERT_EQ(RunProgram({kTool, "thumbnail", large, output}).exitStatus, 0);
-  EXPECT_EQ(ReadPngFacts(output).height, 256u);
-  EXPECT_EQ(ReadPngFacts(output).width, 77u);  // 300 × 256 / 1000, rounded
-  const std::string small = WriteDocumentFile("thumb-small.paintdoc", {40, 30});
-  ASSERT_EQ(RunProgram({kTool, "thumbnail", small, output, "-s", "512"}).exitStatus, 0);
-  EXPECT_EQ(ReadPngFacts(output).width, 40u);
-  EXPECT_EQ(ReadPngFacts(output).height, 30u);
+  // The default square is 256; small content is never enlarged.
+  struct Case {
+    Size canvas;
+    std::vector<std::string> sizeOption;
+    uint32_t width, height;
+  };
+  const Case cases[] = {{{640, 480}, {"-s", "64"}, 64, 48},
+                        {{300, 1000}, {}, 77, 256},  // 300 × 256 / 1000, rounded
+                        {{40, 30}, {"-s", "512"}, 40, 30}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.canvas.width);
+    const std::string input = WriteDocumentFile("thumb.paintdoc", c.canvas);
+    const std::string output = OutputPath("apps/thumb.png");
+    std::remove(output.c_str());
+    std::vector<std::string> arguments{kTool, "thumbnail", input, output};
+    arguments.insert(arguments.end(), c.sizeOption.begin(), c.sizeOption.end());
+    ASSERT_EQ(RunProgram(arguments).exitStatus, 0);
+    PngFacts png = ReadPngFacts(output);  // [] finds a missing chunk as ""
+    EXPECT_EQ(png.width, c.width);
+    EXPECT_EQ(png.height, c.height);
+    EXPECT_EQ(png.colorType, 6);
+    EXPECT_EQ(png.text["Thumb::Image::Width"], std::to_string(int(c.canvas.width)));
+    EXPECT_EQ(png.text["Thumb::Image::Height"], std::to_string(int(c.canvas.height)));
+  }
 }
 
 TEST(CliThumbnail, WrongSizesAreUsageErrors) {

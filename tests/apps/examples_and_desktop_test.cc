@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "app_fixtures.h"
 #include "program_runner.h"
@@ -34,13 +32,6 @@ TEST(Examples, EveryExampleRendersAndDescribesItself) {
   EXPECT_GE(documents, 2);
 }
 
-std::string ReadText(const std::string& path) {
-  std::ifstream file(path);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
 TEST(DesktopIntegration, ThumbnailerEntryRunsTheThumbnailCommand) {
   const std::string entry = ReadText(SourcePath("data/paintdoc.thumbnailer"));
   EXPECT_NE(entry.find("[Thumbnailer Entry]"), std::string::npos);
@@ -51,7 +42,8 @@ TEST(DesktopIntegration, ThumbnailerEntryRunsTheThumbnailCommand) {
 // Installs the MIME type into a private data directory and asks GIO, as a
 // file manager would, what the files are.
 TEST(DesktopIntegration, MimeTypeRecognisesDocumentsByContent) {
-  if (!FileExists("/usr/bin/update-mime-database") || !FileExists("/usr/bin/gio")) {
+  if (!std::filesystem::exists("/usr/bin/update-mime-database") ||
+      !std::filesystem::exists("/usr/bin/gio")) {
     GTEST_SKIP() << "shared-mime-info or gio is not installed";
   }
   const std::filesystem::path share = OutputPath("apps/mime-share/.keep");

@@ -17,13 +17,6 @@ namespace paintdoc::test {
 
 namespace {
 
-std::string ReadWhole(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
 std::vector<char*> Pointers(std::vector<std::string>& strings) {
   std::vector<char*> pointers;
   for (std::string& s : strings) pointers.push_back(s.data());
@@ -32,6 +25,13 @@ std::vector<char*> Pointers(std::vector<std::string>& strings) {
 }
 
 }  // namespace
+
+std::string ReadText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
 
 std::string AppPath(const std::string& name) { return std::string(PAINTDOC_APPS_DIR) + "/" + name; }
 
@@ -66,8 +66,8 @@ ProgramResult RunProgram(const std::vector<std::string>& arguments, const RunOpt
   int status = 0;
   waitpid(pid, &status, 0);
   if (WIFEXITED(status)) result.exitStatus = WEXITSTATUS(status);
-  result.out = ReadWhole(outPath);
-  result.err = ReadWhole(errPath);
+  result.out = ReadText(outPath);
+  result.err = ReadText(errPath);
   std::remove(outPath.c_str());
   std::remove(errPath.c_str());
   return result;

@@ -24,6 +24,9 @@ std::string AppPath(const std::string& name);
 
 ProgramResult RunProgram(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
+// A whole file as text ("" when it cannot be read).
+std::string ReadText(const std::string& path);
+
 // The lines of a text (a last line without newline counts).
 std::vector<std::string> Lines(const std::string& text);
 

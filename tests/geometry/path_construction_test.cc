@@ -2,6 +2,8 @@
 // points, trailing elements dropped, points turned back from a rotation.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "fixture_file.h"
 #include "geometry/arrow_path.h"
 #include "geometry/path_edits.h"
@@ -42,12 +44,12 @@ TEST(GetArrowPath, HeadPointsMatchFixtures) {
 }
 
 TEST(GetArrowPath, TooShortLinesGiveNothing) {
-  // The reach limit is w / tan 30 = 1.732 w; 1.5 w is short of it.
-  EXPECT_FALSE(GetArrowPath({0, 0}, {0, 15}, 10).has_value());
-  EXPECT_FALSE(GetArrowPath({0, 0}, {15, 0}, 10).has_value());
-  EXPECT_FALSE(GetArrowPath({0, 0}, {-9, -12}, 10).has_value());  // 15 long, sloping
-  EXPECT_TRUE(GetArrowPath({0, 0}, {0, 17.4}, 10).has_value());
-  EXPECT_TRUE(GetArrowPath({0, 0}, {17.4, 0}, 10).has_value());
+  // The reach limit is w / tan 30 = 1.732 w; 1.5 w (15 here) is short of it.
+  const std::pair<Point, bool> cases[] = {
+      {{0, 15}, false}, {{15, 0}, false}, {{-9, -12}, false}, {{0, 17.4}, true}, {{17.4, 0}, true}};
+  for (const auto& [end, drawn] : cases) {
+    EXPECT_EQ(GetArrowPath({0, 0}, end, 10).has_value(), drawn) << end.x << "," << end.y;
+  }
 }
 
 TEST(GetArrowPath, VerticalDownTipLiesBelowEndByOverhang) {
@@ -111,13 +113,11 @@ TEST(AppendBezierPathWithArcWithCenter, StartsAtTheFromPointsAngle) {
   ExpectNear(left.currentPoint(), {10, 0}, 1e-9, "left end");
   // Counter-clockwise from 180 to 0 (= 360) runs through the bottom.
   EXPECT_LT(left.bounds().minY(), -9.9);
-}
 
-TEST(AppendBezierPathWithArcWithCenter, NonPositiveRadiusAddsNothing) {
-  BezierPath path;
-  appendBezierPathWithArcWithCenter(path, {0, 0}, 0, {0, 30}, {30, 0});
-  appendBezierPathWithArcWithCenter(path, {0, 0}, -5, {0, 30}, {30, 0});
-  EXPECT_TRUE(path.isEmpty());
+  BezierPath none;  // a radius of zero or less adds nothing
+  appendBezierPathWithArcWithCenter(none, {0, 0}, 0, {0, 30}, {30, 0});
+  appendBezierPathWithArcWithCenter(none, {0, 0}, -5, {0, 30}, {30, 0});
+  EXPECT_TRUE(none.isEmpty());
 }
 
 BezierPath FourElements() {
@@ -160,14 +160,11 @@ TEST(GetPointBeforeRotate, TurnsBothPointsAboutTheirSinglePrecisionMidpoint) {
   }
 }
 
-TEST(GetPointBeforeRotate, ZeroAngleLeavesPointsAlone) {
-  Point a{1.1, 2.2}, b{3.3, 4.4};
+TEST(PointBeforeRotateAt, UndoesARotationAboutTheCentre) {
+  Point a{1.1, 2.2}, b{3.3, 4.4};  // no angle leaves the points exactly alone
   GetPointBeforeRotate(a, b, 0);
   EXPECT_EQ(a, (Point{1.1, 2.2}));
   EXPECT_EQ(b, (Point{3.3, 4.4}));
-}
-
-TEST(PointBeforeRotateAt, UndoesARotationAboutTheCentre) {
   EXPECT_EQ(PointBeforeRotateAt({1.1, 2.2}, {5, 5}, 0), (Point{1.1, 2.2}));
   // (15, 5) is (10, 0) from the centre; undoing 90 degrees turns it to (0, -10).
   ExpectNear(PointBeforeRotateAt({15, 5}, {5, 5}, 90), {5, -5}, 1e-12, "90");

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "fixture_file.h"
 #include "geometry/bezier_math.h"
 
@@ -32,8 +36,6 @@ BezierPath TwoCurves() {
   return path;
 }
 
-TEST(PathLineLength, EmptyPathIsZero) { EXPECT_EQ(pathLineLength(BezierPath()), 0.0); }
-
 TEST(PathLineLength, LineAfterCurveIsMeasuredFromFirstControlPoint) {
   BezierPath path;
   path.moveTo(kStart);
@@ -55,6 +57,7 @@ TEST(PathLineLength, CloseAddsWayBackButKeepsCurrentPoint) {
   path.closePath();       // adds 5 back to the origin ...
   path.lineTo({10, 4});   // ... but this line is measured from (3, 4): 7
   EXPECT_EQ(pathLineLength(path), 19.0);
+  EXPECT_EQ(pathLineLength(BezierPath()), 0.0);
 }
 
 TEST(PathLineLength, SumIsKeptInSinglePrecision) {
@@ -69,17 +72,14 @@ TEST(PathLineLength, SumIsKeptInSinglePrecision) {
   EXPECT_EQ(pathLineLength(path), double(expected));
 }
 
-TEST(PointAtPercent, EmptyPathAndZeroFraction) {
+TEST(PointAtPercent, EmptyPathTinyFractionsAndTheEnd) {
   EXPECT_TRUE(IsNullPoint(pointAtPercent(BezierPath(), 0.5)));
   const BezierPath line = MoveLine({3, 4}, {13, 4});
   EXPECT_EQ(pointAtPercent(line, 0), (Point{3, 4}));
   EXPECT_EQ(pointAtPercent(line, 0.0000099), (Point{3, 4}));
   EXPECT_NE(pointAtPercent(line, 0.0000101), (Point{3, 4}));
-}
-
-TEST(PointAtPercent, BeyondTheEndIsNullPoint) {
-  EXPECT_TRUE(IsNullPoint(pointAtPercent(MoveLine({0, 0}, {10, 0}), 1.01)));
-  EXPECT_EQ(pointAtPercent(MoveLine({0, 0}, {10, 0}), 1.0), (Point{10, 0}));
+  EXPECT_EQ(pointAtPercent(line, 1.0), (Point{13, 4}));
+  EXPECT_TRUE(IsNullPoint(pointAtPercent(line, 1.01)));
 }
 
 TEST(PointAtPercent, MidpointOfLineWithLineTangent) {
@@ -115,17 +115,28 @@ TEST(PointAtPercent, CloseRunsBackToSubpathStart) {
   EXPECT_EQ(record.elementIndex, 3u);
 }
 
+// A fresh record for each fraction; fixture cases hold the fraction, point,
+// tangent and element index.
 TEST(PointAtPercent, FreshRecordsFollowThePath) {
-  const BezierPath path = TwoCurves();
-  for (int i = 1; i <= 9; ++i) {
-    const auto& v = Fixtures().values("fresh_two_curves_" + std::to_string(i));
-    ASSERT_EQ(v.size(), 6u);
-    BezierFindPointDetails record;
-    const Point p = pointAtPercent(path, v[0], &record);
-    EXPECT_EQ(p, PointAt(v, 1)) << "fraction " << v[0];
-    if (!IsNullPoint(p)) {
-      EXPECT_EQ(record.tangent, PointAt(v, 3)) << "fraction " << v[0];
-      EXPECT_EQ(double(record.elementIndex), v[5]) << "fraction " << v[0];
+  BezierPath mixed;
+  mixed.moveTo({0, 0});
+  mixed.lineTo({50, 0});
+  mixed.curveTo({100, 0}, {60, 30}, {90, 30});
+  mixed.closePath();
+  const std::vector<std::pair<std::string, BezierPath>> paths{{"fresh_two_curves_", TwoCurves()},
+                                                              {"mixed_path_", mixed}};
+  for (const auto& [prefix, path] : paths) {
+    const auto names = Fixtures().namesStartingWith(prefix);
+    EXPECT_GE(names.size(), 3u) << prefix;
+    for (const std::string& name : names) {
+      const auto& v = Fixtures().values(name);
+      ASSERT_EQ(v.size(), 6u) << name;
+      BezierFindPointDetails record;
+      const Point p = pointAtPercent(path, v[0], &record);
+      EXPECT_EQ(p, PointAt(v, 1)) << name;
+      if (IsNullPoint(p)) continue;
+      EXPECT_EQ(record.tangent, PointAt(v, 3)) << name;
+      EXPECT_EQ(double(record.elementIndex), v[5]) << name;
     }
   }
 }
@@ -144,22 +155,6 @@ TEST(PointAtPercent, SharedRecordShiftsPositionsAfterTheFirstElement) {
     EXPECT_EQ(record.tangent, PointAt(v, 3)) << "fraction " << v[0];
     EXPECT_EQ(double(record.elementIndex), v[5]) << "fraction " << v[0];
     EXPECT_EQ(record.lengthBeforeElement, v[6]) << "fraction " << v[0];
-  }
-}
-
-TEST(PointAtPercent, LineCurveAndClose) {
-  BezierPath path;
-  path.moveTo({0, 0});
-  path.lineTo({50, 0});
-  path.curveTo({100, 0}, {60, 30}, {90, 30});
-  path.closePath();
-  for (int i = 0; i < 3; ++i) {
-    const auto& v = Fixtures().values("mixed_path_" + std::to_string(i));
-    ASSERT_EQ(v.size(), 6u);
-    BezierFindPointDetails record;
-    EXPECT_EQ(pointAtPercent(path, v[0], &record), PointAt(v, 1)) << "fraction " << v[0];
-    EXPECT_EQ(record.tangent, PointAt(v, 3)) << "fraction " << v[0];
-    EXPECT_EQ(double(record.elementIndex), v[5]) << "fraction " << v[0];
   }
 }
 

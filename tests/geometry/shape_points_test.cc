@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <utility>
 
 #include "fixture_file.h"
 #include "geometry/ellipse_point.h"
@@ -58,11 +59,9 @@ TEST(GetPointInEllipse, CircleIsNotCorrectedAndLiesOnTheCircle) {
 
 TEST(GetPointInEllipse, AxisDirectionsAreExact) {
   const Rect r = MakeRect(10, 20, 100, 40);
-  EXPECT_EQ(GetPointInEllipse(90, r), (Point{60, 60}));
-  EXPECT_EQ(GetPointInEllipse(0, r), (Point{110, 40}));
-  EXPECT_EQ(GetPointInEllipse(180.005f, r), (Point{10, 40}));
-  EXPECT_EQ(GetPointInEllipse(-90, r), (Point{60, 20}));
-  EXPECT_EQ(GetPointInEllipse(720, r), (Point{110, 40}));
+  const std::pair<float, Point> cases[] = {
+      {90, {60, 60}}, {0, {110, 40}}, {180.005f, {10, 40}}, {-90, {60, 20}}, {720, {110, 40}}};
+  for (const auto& [angle, point] : cases) EXPECT_EQ(GetPointInEllipse(angle, r), point) << angle;
 }
 
 TEST(GetPointInEllipse, TinyEllipseAndBadAnglesGiveCentre) {
@@ -77,18 +76,11 @@ TEST(GetPointInEllipse, TinyEllipseAndBadAnglesGiveCentre) {
 }
 
 TEST(GetPointInRectPosition, EveryCodeAndUnknownCodes) {
+  // Codes 3001 to 3008 as documents store them; anything else is the origin.
   const Rect r = MakeRect(10, 20, 30, 40);
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionLeftMiddle, r), (Point{10, 40}));
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionTopLeft, r), (Point{10, 60}));
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionBottomLeft, r), (Point{10, 20}));
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionBottomMiddle, r), (Point{25, 20}));
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionBottomRight, r), (Point{40, 20}));
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionRightMiddle, r), (Point{40, 40}));
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionTopRight, r), (Point{40, 60}));
-  EXPECT_EQ(GetPointInRectPosition(kKnobPositionTopMiddle, r), (Point{25, 60}));
-  EXPECT_EQ(kKnobPositionBottomLeft, 3003);
-  EXPECT_EQ(GetPointInRectPosition(3000, r), (Point{0, 0}));
-  EXPECT_EQ(GetPointInRectPosition(3009, r), (Point{0, 0}));
+  const Point expected[] = {{0, 0},   {10, 40}, {10, 60}, {10, 20}, {25, 20},
+                            {40, 20}, {40, 40}, {40, 60}, {25, 60}, {0, 0}};
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(GetPointInRectPosition(3000 + i, r), expected[i]) << i;
 }
 
 }  // namespace

@@ -15,65 +15,13 @@ namespace {
 // A scale at or below 0.45 turns the minimum hit width off.
 constexpr float kNoMinimum = 0.4f;
 
-BezierPath Segment(Point from, Point to, double width) {
+BezierPath Segment(double width, LineCapStyle cap = LineCapStyle::Butt) {
   BezierPath path;
-  path.moveTo(from);
-  path.lineTo(to);
+  path.moveTo({0, 0});
+  path.lineTo({100, 0});
   path.setLineWidth(width);
+  path.setLineCapStyle(cap);
   return path;
-}
-
-TEST(ContainsPointInStroking, EmptyPathOrNoWidthHitsNothing) {
-  EXPECT_FALSE(containsPointInStroking(BezierPath(), {0, 0}, 1));
-  EXPECT_FALSE(containsPointInStroking(Segment({0, 0}, {100, 0}, 0), {50, 0}, kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(
-      Segment({0, 0}, {100, 0}, std::numeric_limits<double>::quiet_NaN()), {50, 0}, 1));
-}
-
-TEST(ContainsPointInStroking, HalfTheWidthEitherSide) {
-  const BezierPath line = Segment({0, 0}, {100, 0}, 10);  // even: no half-pixel shift
-  EXPECT_TRUE(containsPointInStroking(line, {50, 4.9}, kNoMinimum));
-  EXPECT_TRUE(containsPointInStroking(line, {50, -4.9}, kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(line, {50, 5.1}, kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(line, {50, -5.1}, kNoMinimum));
-}
-
-TEST(ContainsPointInStroking, OddWidthsShiftThePointByHalfAUnit) {
-  const BezierPath line = Segment({0, 0}, {100, 0}, 3);
-  // (50, 1.9) is tested as (49.5, 1.4): inside the 1.5 half width.
-  EXPECT_TRUE(containsPointInStroking(line, {50, 1.9}, kNoMinimum));
-  // (50, -1.2) is tested as (49.5, -1.7): outside.
-  EXPECT_FALSE(containsPointInStroking(line, {50, -1.2}, kNoMinimum));
-  // Width 4 has an even integer part: no shift.
-  const BezierPath even = Segment({0, 0}, {100, 0}, 4);
-  EXPECT_FALSE(containsPointInStroking(even, {50, 2.1}, kNoMinimum));
-  EXPECT_TRUE(containsPointInStroking(even, {50, -1.9}, kNoMinimum));
-}
-
-TEST(ContainsPointInStroking, ThinLinesGetFiveScreenPixels) {
-  const BezierPath line = Segment({0, 0}, {100, 0}, 2);
-  // Scale 1: 2 < 5 pixels, so the line is tested 5 wide (2.5 either side).
-  EXPECT_TRUE(containsPointInStroking(line, {50, 2.4}, 1));
-  EXPECT_FALSE(containsPointInStroking(line, {50, 2.6}, 1));
-  // Scale 2: 2 x 2 = 4 < 5, so 2.5 units wide (1.25 either side).
-  EXPECT_TRUE(containsPointInStroking(line, {50, 1.2}, 2));
-  EXPECT_FALSE(containsPointInStroking(line, {50, 1.3}, 2));
-  // Scale 0.45 and below: the real width.
-  EXPECT_FALSE(containsPointInStroking(line, {50, 1.2}, 0.45f));
-  // A line already 5 screen pixels wide is left as it is.
-  const BezierPath wide = Segment({0, 0}, {100, 0}, 6);
-  EXPECT_FALSE(containsPointInStroking(wide, {50, 3.1}, 1));
-}
-
-TEST(ContainsPointInStroking, CapsDecideTheEnds) {
-  BezierPath line = Segment({0, 0}, {100, 0}, 10);
-  EXPECT_FALSE(containsPointInStroking(line, {103, 0}, kNoMinimum));  // butt
-  line.setLineCapStyle(LineCapStyle::Square);
-  EXPECT_TRUE(containsPointInStroking(line, {104, 4}, kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(line, {105.5, 0}, kNoMinimum));
-  line.setLineCapStyle(LineCapStyle::Round);
-  EXPECT_TRUE(containsPointInStroking(line, {104.5, 0}, kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(line, {104, 4}, kNoMinimum));  // outside the disc
 }
 
 // A sharp corner at (100, 0): in from the left, back out at a 30 degree angle.
@@ -88,48 +36,80 @@ BezierPath SharpCorner(LineJoinStyle join, double miterLimit) {
   return path;
 }
 
-TEST(ContainsPointInStroking, JoinsAndMiterLimitShapeCorners) {
-  // The miter of a 30 degree corner reaches w / (2 sin 15°) = 19.3 from the
-  // corner along the bisector, which points to (-cos 15°, -sin 15°) reversed.
-  const Point nearMiterTip{100 + 17 * 0.9659, -17 * 0.2588};
-  // Miter length / width = 1 / sin 15° = 3.86: within the default limit of 10.
-  EXPECT_TRUE(containsPointInStroking(SharpCorner(LineJoinStyle::Miter, 10), nearMiterTip,
-                                      kNoMinimum));
-  // Below that ratio the miter falls back to a bevel.
-  EXPECT_FALSE(containsPointInStroking(SharpCorner(LineJoinStyle::Miter, 3.5), nearMiterTip,
-                                       kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(SharpCorner(LineJoinStyle::Bevel, 10), nearMiterTip,
-                                       kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(SharpCorner(LineJoinStyle::Round, 10), nearMiterTip,
-                                       kNoMinimum));
-  // A round join covers the disc of half the width around the corner.
-  EXPECT_TRUE(containsPointInStroking(SharpCorner(LineJoinStyle::Round, 10), {104.5, -1},
-                                      kNoMinimum));
-}
-
-TEST(ContainsPointInStroking, CurvesAndDashes) {
+BezierPath DashedArc() {
   BezierPath arc;
   arc.appendArc({0, 0}, 50, 0, 180);
   arc.setLineWidth(4);
   arc.setLineDash({1, 20}, 0);  // dashes do not thin the hit area
-  EXPECT_TRUE(containsPointInStroking(arc, {0, 51.5}, kNoMinimum));
-  EXPECT_TRUE(containsPointInStroking(arc, {35.36, 35.36}, kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(arc, {0, 47.5}, kNoMinimum));
-  EXPECT_FALSE(containsPointInStroking(arc, {0, 0}, kNoMinimum));
+  return arc;
 }
 
-TEST(ContainsPointInStroking, InteriorOfAClosedShapeIsNotTheStroke) {
+BezierPath Square() {
   BezierPath square = BezierPath::withRect(MakeRect(0, 0, 100, 100));
   square.setLineWidth(4);
-  EXPECT_FALSE(containsPointInStroking(square, {50, 50}, kNoMinimum));
-  EXPECT_TRUE(containsPointInStroking(square, {1, 50}, kNoMinimum));
-  EXPECT_TRUE(containsPointInStroking(square, {50, 101}, kNoMinimum));
-  // The closing edge is stroked too.
-  EXPECT_TRUE(containsPointInStroking(square, {-1.5, 20}, kNoMinimum));
+  return square;
+}
+
+TEST(ContainsPointInStroking, HitAreaOfWidthCapsJoinsAndScale) {
+  // The miter of the 30 degree corner reaches w / (2 sin 15°) = 19.3 along the
+  // bisector; its ratio to the width, 1 / sin 15° = 3.86, is within a limit of 10.
+  const Point nearMiterTip{100 + 17 * 0.9659, -17 * 0.2588};
+  struct Case {
+    const char* what;
+    BezierPath path;
+    Point point;
+    float scale;
+    bool hit;
+  };
+  const Case cases[] = {
+      {"empty path", BezierPath(), {0, 0}, 1, false},
+      {"zero width", Segment(0), {50, 0}, kNoMinimum, false},
+      {"NaN width", Segment(std::numeric_limits<double>::quiet_NaN()), {50, 0}, 1, false},
+      // Half the width either side; an even width has no half-unit shift.
+      {"inside above", Segment(10), {50, 4.9}, kNoMinimum, true},
+      {"inside below", Segment(10), {50, -4.9}, kNoMinimum, true},
+      {"outside above", Segment(10), {50, 5.1}, kNoMinimum, false},
+      {"outside below", Segment(10), {50, -5.1}, kNoMinimum, false},
+      // Odd widths test the point shifted by half a unit: (49.5, 1.4), (49.5, -1.7).
+      {"odd width shifted in", Segment(3), {50, 1.9}, kNoMinimum, true},
+      {"odd width shifted out", Segment(3), {50, -1.2}, kNoMinimum, false},
+      {"width 4 unshifted above", Segment(4), {50, 2.1}, kNoMinimum, false},
+      {"width 4 unshifted below", Segment(4), {50, -1.9}, kNoMinimum, true},
+      // Thin lines are tested five screen pixels wide: 2.5 units at scale 1,
+      // 1.25 at scale 2, the real width at 0.45 and below.
+      {"scale 1 in", Segment(2), {50, 2.4}, 1, true},
+      {"scale 1 out", Segment(2), {50, 2.6}, 1, false},
+      {"scale 2 in", Segment(2), {50, 1.2}, 2, true},
+      {"scale 2 out", Segment(2), {50, 1.3}, 2, false},
+      {"scale 0.45", Segment(2), {50, 1.2}, 0.45f, false},
+      {"already five pixels", Segment(6), {50, 3.1}, 1, false},
+      {"butt cap", Segment(10), {103, 0}, kNoMinimum, false},
+      {"square cap in", Segment(10, LineCapStyle::Square), {104, 4}, kNoMinimum, true},
+      {"square cap out", Segment(10, LineCapStyle::Square), {105.5, 0}, kNoMinimum, false},
+      {"round cap in", Segment(10, LineCapStyle::Round), {104.5, 0}, kNoMinimum, true},
+      {"round cap corner", Segment(10, LineCapStyle::Round), {104, 4}, kNoMinimum, false},
+      {"miter", SharpCorner(LineJoinStyle::Miter, 10), nearMiterTip, kNoMinimum, true},
+      {"miter over limit", SharpCorner(LineJoinStyle::Miter, 3.5), nearMiterTip, kNoMinimum,
+       false},
+      {"bevel", SharpCorner(LineJoinStyle::Bevel, 10), nearMiterTip, kNoMinimum, false},
+      {"round join tip", SharpCorner(LineJoinStyle::Round, 10), nearMiterTip, kNoMinimum, false},
+      {"round join disc", SharpCorner(LineJoinStyle::Round, 10), {104.5, -1}, kNoMinimum, true},
+      {"arc top", DashedArc(), {0, 51.5}, kNoMinimum, true},
+      {"arc 45 degrees", DashedArc(), {35.36, 35.36}, kNoMinimum, true},
+      {"arc inside", DashedArc(), {0, 47.5}, kNoMinimum, false},
+      {"arc centre", DashedArc(), {0, 0}, kNoMinimum, false},
+      {"square interior", Square(), {50, 50}, kNoMinimum, false},
+      {"square left edge", Square(), {1, 50}, kNoMinimum, true},
+      {"square top edge", Square(), {50, 101}, kNoMinimum, true},
+      {"square closing edge", Square(), {-1.5, 20}, kNoMinimum, true},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(containsPointInStroking(c.path, c.point, c.scale), c.hit) << c.what;
+  }
 }
 
 TEST(ContainsPointInStroking, SeparateThreadsTestAtOnce) {
-  const BezierPath line = Segment({0, 0}, {100, 0}, 10);
+  const BezierPath line = Segment(10);
   std::atomic<int> wrong{0};
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t) {
@@ -148,7 +128,6 @@ TEST(AppendBezierPathToCairo, CopiesEveryElementInOrder) {
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 1, 1);
   cairo_t* cr = cairo_create(surface);
   EXPECT_FALSE(AppendBezierPathToCairo(cr, BezierPath()));
-
   BezierPath path;
   path.moveTo({1, 2});
   path.lineTo({3, 4});

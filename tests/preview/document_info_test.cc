@@ -31,7 +31,8 @@ TEST(DocumentInfoJson, TitlesAreEscapedAndNonFiniteNumbersAreNull) {
             "\"visible\":false,\"locked\":false,\"rotation\":null,\"bounds\":[0.5,-1,null,2]}]}\n");
 }
 
-TEST(DocumentInfoJson, OnlyGroupsCarryMemberLayers) {
+// A hidden group "g" holding a visible ellipse "m".
+LayerInfo GroupWithMember() {
   LayerInfo member;
   member.className = "DrawEllipse";
   member.title = "m";
@@ -40,33 +41,30 @@ TEST(DocumentInfoJson, OnlyGroupsCarryMemberLayers) {
   group.className = "DrawGroup";
   group.title = "g";
   group.isGroup = true;
-  LayerInfo emptyGroup = group;
   group.members.push_back(member);
-  DocumentInfo info = OneLayer(group);
+  return group;
+}
+
+TEST(DocumentInfoJson, OnlyGroupsCarryMemberLayers) {
+  LayerInfo emptyGroup = GroupWithMember();
+  emptyGroup.members.clear();
+  DocumentInfo info = OneLayer(GroupWithMember());
   info.layers.push_back(emptyGroup);
-  const std::string json = FormatDocumentInfoJson(info);
-  EXPECT_NE(json.find("\"title\":\"g\",\"visible\":false,\"locked\":false,\"rotation\":0,"
-                      "\"bounds\":[0,0,0,0],\"layers\":[{\"class\":\"DrawEllipse\""),
-            std::string::npos);
-  EXPECT_NE(json.find("\"bounds\":[0,0,0,0],\"layers\":[]}"), std::string::npos);
-  // The member itself has no "layers" key.
-  EXPECT_NE(json.find("\"title\":\"m\",\"visible\":true,\"locked\":false,\"rotation\":0,"
-                      "\"bounds\":[0,0,0,0]}"),
-            std::string::npos);
+  const std::string group = R"({"class":"DrawGroup","title":"g","visible":false,"locked":false,)"
+                            R"("rotation":0,"bounds":[0,0,0,0],"layers":[)";
+  EXPECT_EQ(FormatDocumentInfoJson(info),
+            R"({"kind":"document","version":7,"width":10,"height":20,"hasBackground":false,)"
+            R"("maskWithBackground":false,"layers":[)" +
+                group +
+                R"({"class":"DrawEllipse","title":"m","visible":true,"locked":false,)"
+                R"("rotation":0,"bounds":[0,0,0,0]}]},)" +
+                group + "]}]}\n");
 }
 
 TEST(DocumentInfoText, IndentsMembersAndRoundsToSixDigits) {
-  LayerInfo member;
-  member.className = "DrawEllipse";
-  member.title = "m";
-  member.visible = true;
-  member.bounds = MakeRect(339.99999618530273, 0, 240, 1.0 / 3.0);
-  LayerInfo group;
-  group.className = "DrawGroup";
-  group.title = "g";
+  LayerInfo group = GroupWithMember();
   group.locked = true;
-  group.isGroup = true;
-  group.members.push_back(member);
+  group.members[0].bounds = MakeRect(339.99999618530273, 0, 240, 1.0 / 3.0);
   EXPECT_EQ(FormatDocumentInfoText(OneLayer(group)),
             "document version 7, canvas 10 x 20\n"
             "background: no, mask with background: no\n"

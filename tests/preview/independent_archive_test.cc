@@ -104,18 +104,14 @@ TEST(IndependentReader, ReadsTheContainerAndClassesThisLibraryWrites) {
 
   std::string dump;
   ASSERT_TRUE(test::RunKeyedArchiveTool({"dump", path}, &dump));
-  auto contains = [&](const std::string& fragment) {
-    return dump.find(fragment) != std::string::npos;
-  };
-  EXPECT_TRUE(contains("\"container\": {\"PaintData\": \"data\", \"Resolution\": 72.0, \"Version\": 10}"))
-      << dump;
-  EXPECT_TRUE(contains("[\"DrawEllipse\", [\"DrawEllipse\", \"DrawRectangle\", \"DrawBase\", \"NSObject\"]]"));
-  EXPECT_TRUE(contains("[\"PaintManager\", [\"PaintManager\", \"NSObject\"]]"));
-  EXPECT_TRUE(contains("\"CanvasSize\": \"{50, 40}\""));
-  EXPECT_TRUE(contains("\"HasBackground\": false"));
-  EXPECT_TRUE(contains("\"LayerTitle\": \"R\""));
-  EXPECT_TRUE(contains("\"$class\": \"NSMutableArray\""));
-  EXPECT_TRUE(contains("\"Draws\": {\"$class\": \"NSMutableArray\""));
+  for (const char* fragment :
+       {R"("container": {"PaintData": "data", "Resolution": 72.0, "Version": 10})",
+        R"(["DrawEllipse", ["DrawEllipse", "DrawRectangle", "DrawBase", "NSObject"]])",
+        R"(["PaintManager", ["PaintManager", "NSObject"]])", R"("CanvasSize": "{50, 40}")",
+        R"("HasBackground": false)", R"("LayerTitle": "R")", R"("$class": "NSMutableArray")",
+        R"("Draws": {"$class": "NSMutableArray")"}) {
+    EXPECT_NE(dump.find(fragment), std::string::npos) << fragment << "\n" << dump;
+  }
 }
 
 }  // namespace

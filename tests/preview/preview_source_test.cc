@@ -50,74 +50,57 @@ PreviewSource Read(const std::vector<uint8_t>& bytes, PreviewKind kind = Preview
   return ReadPreviewSourceFromBytes(Bytes(bytes), kind, limits);
 }
 
-TEST(PreviewSource, DocumentOfVersionTenIsDrawnAndElevenIsRefused) {
+TEST(PreviewSource, EachKindOfContentGetsItsStatusAndDiagnosis) {
+  RegisterAllClasses();
   const auto paintData = CanvasArchive({40, 30});
-  const PreviewSource ten = Read(Container(paintData, 10));
-  EXPECT_EQ(ten.status, PreviewStatus::Document);
+  const auto notCanvas = KeyedArchiver::archivedDataWithRootObject(*MakeDraw<DrawRectangle>());
+  const std::string text = "just some text";
+  struct Case {
+    const char* what;
+    std::vector<uint8_t> bytes;
+    PreviewStatus status;
+    std::string diagnosis;  // a part of it when `partial`
+    bool partial = false;
+  };
+  const Case cases[] = {
+      {"version 10", Container(paintData, 10), PreviewStatus::Document, ""},
+      {"no version", Container(paintData, std::nullopt), PreviewStatus::Document, ""},
+      {"version 11", Container(paintData, 11), PreviewStatus::NewerVersion,
+       "newer document version 11 (this build reads up to 10)"},
+      // Without "Resolution" the file goes to the image path, the pasteboard form too.
+      {"no resolution", Container(paintData, 10, false), PreviewStatus::NotAnImage,
+       "\"Resolution\"", true},
+      {"pasteboard", WriteDocumentContainer(*PaintManager::withSize({5, 5}), false),
+       PreviewStatus::NotAnImage, "\"Resolution\"", true},
+      {"root not a canvas", Container(notCanvas, 10), PreviewStatus::NotACanvas,
+       "the document's root is a DrawRectangle, not a canvas"},
+      // No image fallback for a container whose data is no archive at all.
+      {"data not an archive", Container({1, 2, 3}, 10), PreviewStatus::NotACanvas, "", true},
+      {"empty", {}, PreviewStatus::EmptyFile, "empty file"},
+      {"text", std::vector<uint8_t>(text.begin(), text.end()), PreviewStatus::NotAnImage,
+       "neither a paint document nor an image"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const PreviewSource source = Read(c.bytes);
+    EXPECT_EQ(source.status, c.status);
+    if (c.partial) {
+      EXPECT_NE(source.diagnosis.find(c.diagnosis), std::string::npos) << source.diagnosis;
+    } else {
+      EXPECT_EQ(source.diagnosis, c.diagnosis);
+    }
+    EXPECT_EQ(source.canvas != nullptr, c.status == PreviewStatus::Document);
+  }
+  const PreviewSource ten = Read(cases[0].bytes);
   EXPECT_EQ(ten.version, 10);
   EXPECT_EQ(ten.contentSize, (Size{40, 30}));
-  ASSERT_NE(ten.canvas, nullptr);
   EXPECT_EQ(ten.canvas->allDraws().size(), 1u);
-
-  const PreviewSource eleven = Read(Container(paintData, 11));
-  EXPECT_EQ(eleven.status, PreviewStatus::NewerVersion);
-  EXPECT_EQ(eleven.canvas, nullptr);
-  EXPECT_EQ(eleven.diagnosis, "newer document version 11 (this build reads up to 10)");
+  EXPECT_EQ(Read(cases[1].bytes).version, 0);  // a missing version reads as 0
 }
 
-TEST(PreviewSource, MissingVersionReadsAsZero) {
-  const PreviewSource source = Read(Container(CanvasArchive({5, 5}), std::nullopt));
-  EXPECT_EQ(source.status, PreviewStatus::Document);
-  EXPECT_EQ(source.version, 0);
-}
-
-TEST(PreviewSource, WithoutResolutionTheFileGoesToTheImagePath) {
-  const PreviewSource archive = Read(Container(CanvasArchive({5, 5}), 10, false));
-  EXPECT_EQ(archive.status, PreviewStatus::NotAnImage);
-  EXPECT_NE(archive.diagnosis.find("\"Resolution\""), std::string::npos);
-  // The pasteboard form is exactly such a container.
+TEST(PreviewSource, FilesAreRecognisedByTheirBytesNotTheirName) {
   RegisterAllClasses();
-  const auto pasteboard = WriteDocumentContainer(*PaintManager::withSize({5, 5}), false);
-  EXPECT_EQ(Read(pasteboard).status, PreviewStatus::NotAnImage);
-}
-
-TEST(PreviewSource, InnerRootThatIsNoCanvasDrawsNothing) {
-  RegisterAllClasses();
-  const auto notCanvas = KeyedArchiver::archivedDataWithRootObject(*MakeDraw<DrawRectangle>());
-  const PreviewSource source = Read(Container(notCanvas, 10));
-  EXPECT_EQ(source.status, PreviewStatus::NotACanvas);
-  EXPECT_EQ(source.diagnosis, "the document's root is a DrawRectangle, not a canvas");
-  // Data that is no archive at all inside the container: also no fallback.
-  EXPECT_EQ(Read(Container({1, 2, 3}, 10)).status, PreviewStatus::NotACanvas);
-}
-
-TEST(PreviewSource, PlainImagesAreReadAtTheirPointSize) {
-  const PreviewSource png = Read(TwoByTwoPng());
-  EXPECT_EQ(png.status, PreviewStatus::Image);
-  EXPECT_EQ(png.contentSize, (Size{2, 2}));
-  auto bitmap = Bitmap::create(4, 2);
-  bitmap->setSizeWithDPI(144);  // 4 x 2 pixels are 2 x 1 points
-  const PreviewSource tiff = Read(*WriteTIFF(*bitmap));
-  EXPECT_EQ(tiff.status, PreviewStatus::Image);
-  EXPECT_EQ(tiff.contentSize, (Size{2, 1}));
-}
-
-TEST(PreviewSource, EmptyAndUnreadableFilesDrawNothing) {
-  EXPECT_EQ(Read({}).status, PreviewStatus::EmptyFile);
-  EXPECT_EQ(Read({}).diagnosis, "empty file");
-  const std::string text = "just some text";
-  const PreviewSource other = Read(std::vector<uint8_t>(text.begin(), text.end()));
-  EXPECT_EQ(other.status, PreviewStatus::NotAnImage);
-  EXPECT_EQ(other.diagnosis, "neither a paint document nor an image");
-  const PreviewSource missing =
-      ReadPreviewSource(test::OutputPath("preview/no-such-file"), PreviewKind::Thumbnail);
-  EXPECT_EQ(missing.status, PreviewStatus::Unreadable);
-  EXPECT_NE(missing.diagnosis.find("no-such-file"), std::string::npos);
-}
-
-TEST(PreviewSource, ContentIsRecognisedByItsBytesNotItsName) {
   const std::string documentNamedPng = test::OutputPath("preview/document.png");
-  RegisterAllClasses();
   ASSERT_TRUE(WriteFileBytes(documentNamedPng,
                              WriteDocumentContainer(*PaintManager::withSize({7, 3}))));
   EXPECT_EQ(ReadPreviewSource(documentNamedPng, PreviewKind::Preview).status,
@@ -126,6 +109,10 @@ TEST(PreviewSource, ContentIsRecognisedByItsBytesNotItsName) {
   ASSERT_TRUE(WriteFileBytes(pngNamedDocument, TwoByTwoPng()));
   EXPECT_EQ(ReadPreviewSource(pngNamedDocument, PreviewKind::Preview).status,
             PreviewStatus::Image);
+  const PreviewSource missing =
+      ReadPreviewSource(test::OutputPath("preview/no-such-file"), PreviewKind::Thumbnail);
+  EXPECT_EQ(missing.status, PreviewStatus::Unreadable);
+  EXPECT_NE(missing.diagnosis.find("no-such-file"), std::string::npos);
 }
 
 TEST(PreviewLimits, EachLimitRefusesWithItsOwnReason) {
@@ -154,10 +141,11 @@ TEST(PreviewLimits, EachLimitRefusesWithItsOwnReason) {
 }
 
 TEST(PreviewLimits, DefaultsRefuseOversizedAndInvalidCanvases) {
-  EXPECT_EQ(Read(Container(CanvasArchive({32768, 10}), 10)).status, PreviewStatus::SizeRefused);
-  EXPECT_EQ(Read(Container(CanvasArchive({20000, 20000}), 10)).status,
-            PreviewStatus::SizeRefused);
-  EXPECT_EQ(Read(Container(CanvasArchive({32767, 10}), 10)).status, PreviewStatus::Document);
+  for (const auto& [size, status] : {std::pair{Size{32768, 10}, PreviewStatus::SizeRefused},
+                                     std::pair{Size{20000, 20000}, PreviewStatus::SizeRefused},
+                                     std::pair{Size{32767, 10}, PreviewStatus::Document}}) {
+    EXPECT_EQ(Read(Container(CanvasArchive(size), 10)).status, status) << size.width;
+  }
   RegisterAllClasses();
   const auto negative = test::ArchiveRoot(test::KeysAs("PaintManager", [](KeyedArchiver& c) {
     c.encodeStringForKey("{-5, 10}", "CanvasSize");
@@ -197,38 +185,31 @@ TEST(PreviewLimits, DeeplyNestedGroupsAreRefusedNotRecursedInto) {
 
 // --- drawing into the host's context
 
+// Records whether a bitmap context was asked for; `refuse` answers none.
 class CountingRequest : public BitmapPreviewRequest {
  public:
-  bool refuse = false;
   std::shared_ptr<Bitmap> createContext(Size size, bool isBitmap) override {
     bitmapAsked = isBitmap;
-    if (refuse) {
-      BitmapPreviewRequest::createContext(size, isBitmap);
-      return nullptr;
-    }
-    return BitmapPreviewRequest::createContext(size, isBitmap);
+    auto context = BitmapPreviewRequest::createContext(size, isBitmap);
+    return refuse ? nullptr : context;
   }
+  bool refuse = false;
   bool bitmapAsked = false;
 };
 
-TEST(PreviewDrawing, ThumbnailContextHasTheCanvasSizeWhateverTheMaximum) {
-  CountingRequest request;
-  const PreviewOutcome outcome =
-      DrawPreviewSource(request, Read(Container(CanvasArchive({640, 480}), 10), PreviewKind::Thumbnail));
-  EXPECT_TRUE(outcome.drawn);
-  ASSERT_EQ(request.requestedSizes().size(), 1u);
-  EXPECT_EQ(request.requestedSizes()[0], (Size{640, 480}));
-  EXPECT_TRUE(request.bitmapAsked);
-  EXPECT_EQ(request.flushCount(), 1);
-  EXPECT_EQ(request.flushedContext()->pixelsWide(), 640);
-}
-
-TEST(PreviewDrawing, ZeroCanvasAsksForAZeroContextAndFlushesIt) {
-  CountingRequest request;
-  const PreviewOutcome outcome = DrawPreviewSource(request, Read(Container(CanvasArchive({0, 0}), 10)));
-  EXPECT_TRUE(outcome.drawn);
-  EXPECT_EQ(request.requestedSizes(), (std::vector<Size>{{0, 0}}));
-  EXPECT_EQ(request.flushCount(), 1);
+TEST(PreviewDrawing, ContextHasTheCanvasSizeWhateverTheKind) {
+  // A thumbnail is drawn at full size too (the host scales it), and a zero
+  // canvas still gets its zero context flushed.
+  for (const auto& [size, kind] : {std::pair{Size{640, 480}, PreviewKind::Thumbnail},
+                                   std::pair{Size{0, 0}, PreviewKind::Preview}}) {
+    SCOPED_TRACE(size.width);
+    CountingRequest request;
+    EXPECT_TRUE(DrawPreviewSource(request, Read(Container(CanvasArchive(size), 10), kind)).drawn);
+    EXPECT_EQ(request.requestedSizes(), (std::vector<Size>{size}));
+    EXPECT_TRUE(request.bitmapAsked);
+    EXPECT_EQ(request.flushCount(), 1);
+    EXPECT_EQ(request.flushedContext()->pixelsWide(), int(size.width));
+  }
 }
 
 TEST(PreviewDrawing, NoContextMeansNothingDrawnAndNothingFlushed) {
@@ -249,6 +230,7 @@ TEST(PreviewDrawing, RefusedContentAsksForNoContext) {
 TEST(PreviewDrawing, ImageKeepsItsPixelsAndTransparency) {
   CountingRequest request;
   ASSERT_TRUE(DrawPreviewSource(request, Read(TwoByTwoPng())).drawn);
+  EXPECT_EQ(request.requestedSizes(), (std::vector<Size>{{2, 2}}));
   const Bitmap& context = *request.flushedContext();
   EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{255, 0, 0, 255}));
   EXPECT_EQ(context.pixelAt(1, 0), (Rgba8{0, 0, 0, 0}));
