@@ -103,30 +103,34 @@ void Source::set(cairo_t* cr, double alpha) const {
   cairo_set_source(cr, pattern.get());
 }
 
-// --- fills
+// --- fills and strokes
 
-void FillPrimitive::paint(cairo_t* cr, double alpha) const {
-  AppendPath(cr, path_);
-  cairo_set_fill_rule(cr, ToCairoFillRule(path_.windingRule()));
+void PathPrimitive::paint(cairo_t* cr, double alpha) const {
+  appendShape(cr);
   source_.set(cr, alpha);
-  cairo_fill(cr);
+  paintShape(cr);
 }
 
-void FillPrimitive::paintSource(cairo_t* cr, double alpha) const {
+void PathPrimitive::paintSource(cairo_t* cr, double alpha) const {
   source_.set(cr, alpha);
   cairo_paint(cr);
 }
 
-void FillPrimitive::paintCoverage(cairo_t* cr) const {
-  AppendPath(cr, path_);
-  cairo_set_fill_rule(cr, ToCairoFillRule(path_.windingRule()));
+void PathPrimitive::paintCoverage(cairo_t* cr) const {
+  appendShape(cr);
   cairo_set_source_rgba(cr, 0, 0, 0, 1);
-  cairo_fill(cr);
+  paintShape(cr);
 }
 
-bool FillPrimitive::clipToShape(cairo_t* cr) const {
+void FillPrimitive::appendShape(cairo_t* cr) const {
   AppendPath(cr, path_);
   cairo_set_fill_rule(cr, ToCairoFillRule(path_.windingRule()));
+}
+
+void FillPrimitive::paintShape(cairo_t* cr) const { cairo_fill(cr); }
+
+bool FillPrimitive::clipToShape(cairo_t* cr) const {
+  appendShape(cr);
   cairo_clip(cr);
   return true;
 }
@@ -139,31 +143,16 @@ std::optional<DeviceRect> FillPrimitive::deviceExtents(cairo_t* cr) const {
   return Expand(UserBoxToDevice(cr, x1, y1, x2, y2), 1);
 }
 
-// --- strokes
-
-void StrokePrimitive::paint(cairo_t* cr, double alpha) const {
+void StrokePrimitive::appendShape(cairo_t* cr) const {
   AppendPath(cr, path_);
   ApplyStrokeStyle(cr, path_);
-  source_.set(cr, alpha);
-  cairo_stroke(cr);
 }
 
-void StrokePrimitive::paintSource(cairo_t* cr, double alpha) const {
-  source_.set(cr, alpha);
-  cairo_paint(cr);
-}
-
-void StrokePrimitive::paintCoverage(cairo_t* cr) const {
-  AppendPath(cr, path_);
-  ApplyStrokeStyle(cr, path_);
-  cairo_set_source_rgba(cr, 0, 0, 0, 1);
-  cairo_stroke(cr);
-}
+void StrokePrimitive::paintShape(cairo_t* cr) const { cairo_stroke(cr); }
 
 std::optional<DeviceRect> StrokePrimitive::deviceExtents(cairo_t* cr) const {
   cairo_save(cr);
-  AppendPath(cr, path_);
-  ApplyStrokeStyle(cr, path_);
+  appendShape(cr);
   double x1, y1, x2, y2;
   cairo_stroke_extents(cr, &x1, &y1, &x2, &y2);
   cairo_new_path(cr);

@@ -63,32 +63,44 @@ class Primitive {
   virtual bool paintIsBounded(cairo_operator_t op) const;
 };
 
-class FillPrimitive : public Primitive {
+// A path painted with a source: the shared part of fills and strokes.
+class PathPrimitive : public Primitive {
  public:
-  FillPrimitive(const BezierPath& path, Source source) : path_(path), source_(std::move(source)) {}
+  PathPrimitive(const BezierPath& path, Source source) : path_(path), source_(std::move(source)) {}
   void paint(cairo_t* cr, double alpha) const override;
   void paintSource(cairo_t* cr, double alpha) const override;
   void paintCoverage(cairo_t* cr) const override;
-  bool clipToShape(cairo_t* cr) const override;
-  std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
 
- private:
+ protected:
+  // Replaces cr's path by the shape and sets what the final cairo_fill or
+  // cairo_stroke of this primitive needs (fill rule or stroke style).
+  virtual void appendShape(cairo_t* cr) const = 0;
+  // cairo_fill or cairo_stroke.
+  virtual void paintShape(cairo_t* cr) const = 0;
+
   const BezierPath& path_;
   Source source_;
 };
 
-class StrokePrimitive : public Primitive {
+class FillPrimitive : public PathPrimitive {
  public:
-  StrokePrimitive(const BezierPath& path, Source source)
-      : path_(path), source_(std::move(source)) {}
-  void paint(cairo_t* cr, double alpha) const override;
-  void paintSource(cairo_t* cr, double alpha) const override;
-  void paintCoverage(cairo_t* cr) const override;
+  using PathPrimitive::PathPrimitive;
+  bool clipToShape(cairo_t* cr) const override;
   std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
 
  private:
-  const BezierPath& path_;
-  Source source_;
+  void appendShape(cairo_t* cr) const override;
+  void paintShape(cairo_t* cr) const override;
+};
+
+class StrokePrimitive : public PathPrimitive {
+ public:
+  using PathPrimitive::PathPrimitive;
+  std::optional<DeviceRect> deviceExtents(cairo_t* cr) const override;
+
+ private:
+  void appendShape(cairo_t* cr) const override;
+  void paintShape(cairo_t* cr) const override;
 };
 
 // A bitmap's source rectangle (points, lower-left origin) stretched into a
