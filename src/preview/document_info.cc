@@ -6,6 +6,7 @@
 #include "document/paint_manager.h"
 #include "draws/draw_group.h"
 #include "draws/draw_image.h"
+#include "platform/bitmap.h"
 #include "preview/preview_source.h"
 
 namespace paintdoc {
@@ -109,6 +110,10 @@ void AppendLayersText(std::string& out, const std::vector<LayerInfo>& layers, in
 DocumentInfo DescribePreviewSource(const PreviewSource& source) {
   DocumentInfo info;
   info.size = source.contentSize;
+  if (source.image) {
+    info.pixelSize = Size{static_cast<double>(source.image->pixelsWide()),
+                          static_cast<double>(source.image->pixelsHigh())};
+  }
   if (!source.canvas) return info;
   const PaintManager& canvas = *source.canvas;
   info.isDocument = true;
@@ -121,11 +126,16 @@ DocumentInfo DescribePreviewSource(const PreviewSource& source) {
 
 std::string FormatDocumentInfoText(const DocumentInfo& info) {
   const std::string size = FormatNumber(info.size.width) + " x " + FormatNumber(info.size.height);
-  if (!info.isDocument) return "image " + size + "\n";
+  if (!info.isDocument) {
+    return "image " + FormatNumber(info.pixelSize.width) + " x " +
+           FormatNumber(info.pixelSize.height) + " pixels, " + TextNumber(info.size.width) +
+           " x " + TextNumber(info.size.height) + " points\n";
+  }
   std::string out = "document version " + std::to_string(info.version) + ", canvas " + size +
                     "\nbackground: " + (info.hasBackground ? "yes" : "no") +
                     ", mask with background: " + (info.maskWithBackground ? "yes" : "no") + "\n" +
-                    std::to_string(info.layers.size()) + " layers, bottom first:\n";
+                    std::to_string(info.layers.size()) +
+                    (info.layers.size() == 1 ? " layer" : " layers") + ", bottom first:\n";
   AppendLayersText(out, info.layers, 0);
   return out;
 }
@@ -134,7 +144,9 @@ std::string FormatDocumentInfoJson(const DocumentInfo& info) {
   const std::string width = JsonNumber(info.size.width);
   const std::string height = JsonNumber(info.size.height);
   if (!info.isDocument) {
-    return "{\"kind\":\"image\",\"width\":" + width + ",\"height\":" + height + "}\n";
+    return "{\"kind\":\"image\",\"width\":" + width + ",\"height\":" + height +
+           ",\"pixelsWide\":" + JsonNumber(info.pixelSize.width) +
+           ",\"pixelsHigh\":" + JsonNumber(info.pixelSize.height) + "}\n";
   }
   std::string out = "{\"kind\":\"document\",\"version\":" + std::to_string(info.version) +
                     ",\"width\":" + width + ",\"height\":" + height +

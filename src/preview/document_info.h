@@ -27,7 +27,8 @@ struct LayerInfo {
 struct DocumentInfo {
   bool isDocument = false;  // else a plain image
   int64_t version = 0;
-  Size size;
+  Size size;        // points: the canvas size, or the image's point size
+  Size pixelSize;   // a plain image's pixels (its point size differs when it has a resolution)
   bool hasBackground = false;
   bool maskWithBackground = false;
   std::vector<LayerInfo> layers;  // bottom first
@@ -41,7 +42,8 @@ std::string FormatDocumentInfoText(const DocumentInfo& info);
 // One JSON object with the keys "kind", "version", "width", "height",
 // "hasBackground", "maskWithBackground" and "layers" (each with "class",
 // "title", "visible", "locked", "rotation", "bounds" as [x, y, w, h], and
-// "layers" for a group's members). An image has "kind", "width", "height".
+// "layers" for a group's members). An image has "kind", "width", "height"
+// (points) and "pixelsWide", "pixelsHigh".
 std::string FormatDocumentInfoJson(const DocumentInfo& info);
 
 }  // namespace paintdoc

@@ -50,15 +50,16 @@ TEST(CliInfo, TextNamesVersionCanvasAndLayers) {
   const std::vector<std::string> lines = Lines(result.out);
   ASSERT_GE(lines.size(), 4u);
   EXPECT_EQ(lines[0], "document version 10, canvas 64 x 32");
-  EXPECT_EQ(lines[2], "1 layers, bottom first:");
+  EXPECT_EQ(lines[2], "1 layer, bottom first:");
   EXPECT_EQ(lines[3].rfind("  DrawRectangle \"Rectangle\" visible", 0), 0u);
 }
 
-TEST(CliInfo, PlainImageHasOnlyKindAndSize) {
+TEST(CliInfo, PlainImageHasOnlyKindAndSizes) {
   const std::string image = WriteBytesFile("info-image.bin", SmallPng());
   const ProgramResult result = RunProgram({kTool, "info", "--json", image});
   ASSERT_EQ(result.exitStatus, 0);
-  EXPECT_EQ(result.out, "{\"kind\":\"image\",\"width\":2,\"height\":1}\n");
+  EXPECT_EQ(result.out,
+            "{\"kind\":\"image\",\"width\":2,\"height\":1,\"pixelsWide\":2,\"pixelsHigh\":1}\n");
 }
 
 TEST(CliInfo, RefusedDocumentIsDiagnosed) {

@@ -68,16 +68,19 @@ TEST(DocumentInfoText, IndentsMembersAndRoundsToSixDigits) {
   EXPECT_EQ(FormatDocumentInfoText(OneLayer(group)),
             "document version 7, canvas 10 x 20\n"
             "background: no, mask with background: no\n"
-            "1 layers, bottom first:\n"
+            "1 layer, bottom first:\n"
             "  DrawGroup \"g\" hidden locked rotation 0 bounds {{0, 0}, {0, 0}} (1 members)\n"
             "    DrawEllipse \"m\" visible rotation 0 bounds {{340, 0}, {240, 0.333333}}\n");
 }
 
-TEST(DocumentInfoText, ImageIsOneLine) {
+TEST(DocumentInfoText, ImageIsOneLineWithPixelsAndPoints) {
   DocumentInfo image;
-  image.size = {300, 200};
-  EXPECT_EQ(FormatDocumentInfoText(image), "image 300 x 200\n");
-  EXPECT_EQ(FormatDocumentInfoJson(image), "{\"kind\":\"image\",\"width\":300,\"height\":200}\n");
+  image.size = {150, 100.0 / 3.0};  // 144 dpi across, 216 dpi down
+  image.pixelSize = {300, 100};
+  EXPECT_EQ(FormatDocumentInfoText(image), "image 300 x 100 pixels, 150 x 33.3333 points\n");
+  EXPECT_EQ(FormatDocumentInfoJson(image),
+            "{\"kind\":\"image\",\"width\":150,\"height\":33.333333333333336,"
+            "\"pixelsWide\":300,\"pixelsHigh\":100}\n");
 }
 
 }  // namespace
