@@ -83,7 +83,7 @@ void ApplyStrokeStyle(cairo_t* cr, const BezierPath& path) {
   }
 }
 
-cairo_operator_t ToCairoOperator(CompositingOperation operation) {
+std::optional<cairo_operator_t> ToCairoOperator(CompositingOperation operation) {
   switch (operation) {
     case CompositingOperation::Clear: return CAIRO_OPERATOR_CLEAR;
     case CompositingOperation::Copy: return CAIRO_OPERATOR_SOURCE;
@@ -96,7 +96,7 @@ cairo_operator_t ToCairoOperator(CompositingOperation operation) {
     case CompositingOperation::DestinationOut: return CAIRO_OPERATOR_DEST_OUT;
     case CompositingOperation::DestinationAtop: return CAIRO_OPERATOR_DEST_ATOP;
     case CompositingOperation::XOR: return CAIRO_OPERATOR_XOR;
-    case CompositingOperation::PlusDarker: return CAIRO_OPERATOR_MULTIPLY;
+    case CompositingOperation::PlusDarker: return std::nullopt;
     case CompositingOperation::Highlight: return CAIRO_OPERATOR_OVER;
     case CompositingOperation::PlusLighter: return CAIRO_OPERATOR_ADD;
     case CompositingOperation::Multiply: return CAIRO_OPERATOR_MULTIPLY;

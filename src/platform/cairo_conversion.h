@@ -4,6 +4,7 @@
 #include <cairo.h>
 
 #include <memory>
+#include <optional>
 
 #include "platform/affine_transform.h"
 #include "platform/bezier_path.h"
@@ -39,9 +40,9 @@ cairo_fill_rule_t ToCairoFillRule(WindingRule rule);
 // negative length, or nothing but zeros) draw solid.
 void ApplyStrokeStyle(cairo_t* cr, const BezierPath& path);
 
-// The operator for an operation. PlusDarker has no cairo operator; it
-// answers the closest one (CAIRO_OPERATOR_MULTIPLY).
-cairo_operator_t ToCairoOperator(CompositingOperation operation);
+// The operator for an operation; none for PlusDarker, which cairo lacks (the
+// drawing code computes it by hand).
+std::optional<cairo_operator_t> ToCairoOperator(CompositingOperation operation);
 // True for the operators cairo applies outside the drawn shape (within the
 // clip), where the platform leaves the destination alone.
 bool IsUnboundedInCairo(cairo_operator_t op);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 
 #include "platform/gaussian_blur.h"
 
@@ -71,6 +73,18 @@ void PaintWithAlpha(cairo_t* cr, double alpha) {
 
 void SetAntialiasFrom(cairo_t* target, cairo_t* model) {
   cairo_set_antialias(target, cairo_get_antialias(model));
+}
+
+// The device pixels the clip shows (within the target surface).
+DeviceRect VisibleDeviceRect(cairo_t* cr) {
+  double x1, y1, x2, y2;
+  cairo_save(cr);
+  cairo_identity_matrix(cr);
+  cairo_clip_extents(cr, &x1, &y1, &x2, &y2);
+  cairo_restore(cr);
+  return {static_cast<int>(std::floor(x1)), static_cast<int>(std::floor(y1)),
+          static_cast<int>(std::ceil(x2) - std::floor(x1)),
+          static_cast<int>(std::ceil(y2) - std::floor(y1))};
 }
 
 }  // namespace
@@ -314,11 +328,95 @@ void CompositeThroughCoverage(cairo_t* cr, const Primitive& primitive, cairo_ope
   cairo_mask(cr, coverage.get());
 }
 
+// A transparent image surface over the region. Its device offset puts its
+// pixels where cr's device pixels are, so cr's transform draws into it as is.
+SurfacePtr RegionSurface(cairo_format_t format, const DeviceRect& region) {
+  SurfacePtr surface(cairo_image_surface_create(format, region.width, region.height));
+  cairo_surface_set_device_offset(surface.get(), -region.x, -region.y);
+  return surface;
+}
+
+// A context drawing into `surface` with cr's transform, antialiasing and tolerance.
+CairoPtr ContextLike(cairo_surface_t* surface, cairo_t* cr) {
+  CairoPtr context(cairo_create(surface));
+  cairo_matrix_t userToDevice;
+  cairo_get_matrix(cr, &userToDevice);
+  cairo_set_matrix(context.get(), &userToDevice);
+  SetAntialiasFrom(context.get(), cr);
+  cairo_set_tolerance(context.get(), cairo_get_tolerance(cr));
+  return context;
+}
+
+// PlusDarker on premultiplied ARGB32 pixels of the same size, into
+// `destination`: R = max(0, 1 − ((1 − D) + (1 − S))) = max(0, S + D − 1) on
+// every channel, alpha included.
+void PlusDarkerPixels(cairo_surface_t* source, cairo_surface_t* destination) {
+  cairo_surface_flush(source);
+  cairo_surface_flush(destination);
+  const uint8_t* sourceData = cairo_image_surface_get_data(source);
+  uint8_t* destinationData = cairo_image_surface_get_data(destination);
+  size_t sourceStride = static_cast<size_t>(cairo_image_surface_get_stride(source));
+  size_t destinationStride = static_cast<size_t>(cairo_image_surface_get_stride(destination));
+  size_t rowBytes = 4 * static_cast<size_t>(cairo_image_surface_get_width(destination));
+  for (int row = 0; row < cairo_image_surface_get_height(destination); ++row) {
+    const uint8_t* s = sourceData + sourceStride * static_cast<size_t>(row);
+    uint8_t* d = destinationData + destinationStride * static_cast<size_t>(row);
+    for (size_t i = 0; i < rowBytes; ++i) d[i] = static_cast<uint8_t>(std::max(0, s[i] + d[i] - 255));
+  }
+  cairo_surface_mark_dirty(destination);
+}
+
+// cairo has no PlusDarker: compute its result R from the source (with global
+// alpha) and a copy of the destination over the pixels the primitive can
+// touch, then lay R onto the destination with SOURCE through the shape's
+// coverage (a layer: through the clip alone). SOURCE mixes by coverage and
+// clip, which is the platform's bounded R' = cov·R + (1 − cov)·D.
+void CompositePlusDarker(cairo_t* cr, const Primitive& primitive, double alpha) {
+  DeviceRect region = VisibleDeviceRect(cr);
+  std::optional<DeviceRect> extents =
+      primitive.isLayer() ? std::nullopt : primitive.deviceExtents(cr);
+  if (extents) region = Intersect(region, *extents);
+  if (region.isEmpty()) return;
+  SurfacePtr result = RegionSurface(CAIRO_FORMAT_ARGB32, region);
+  SurfacePtr source = RegionSurface(CAIRO_FORMAT_ARGB32, region);
+  SurfacePtr coverage = primitive.isLayer() ? nullptr : RegionSurface(CAIRO_FORMAT_A8, region);
+  for (cairo_surface_t* surface : {result.get(), source.get(), coverage.get()}) {
+    if (surface && cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) return;
+  }
+  {
+    CairoPtr copy(cairo_create(result.get()));
+    cairo_set_source_surface(copy.get(), cairo_get_group_target(cr), 0, 0);
+    cairo_paint(copy.get());
+  }
+  primitive.paintSource(ContextLike(source.get(), cr).get(), alpha);
+  if (coverage) primitive.paintCoverage(ContextLike(coverage.get(), cr).get());
+  PlusDarkerPixels(source.get(), result.get());
+
+  cairo_save(cr);
+  cairo_identity_matrix(cr);
+  cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+  cairo_set_source_surface(cr, result.get(), 0, 0);
+  if (coverage) {
+    cairo_mask_surface(cr, coverage.get(), 0, 0);
+  } else {
+    cairo_rectangle(cr, region.x, region.y, region.width, region.height);
+    cairo_fill(cr);
+  }
+  cairo_restore(cr);
+}
+
 }  // namespace
 
-void CompositePrimitive(cairo_t* cr, const Primitive& primitive, cairo_operator_t op,
+void CompositePrimitive(cairo_t* cr, const Primitive& primitive, CompositingOperation operation,
                         double alpha) {
-  if (alpha <= 0 && op != CAIRO_OPERATOR_SOURCE && op != CAIRO_OPERATOR_CLEAR) return;
+  std::optional<cairo_operator_t> cairoOperator = ToCairoOperator(operation);
+  bool replaces = cairoOperator == CAIRO_OPERATOR_SOURCE || cairoOperator == CAIRO_OPERATOR_CLEAR;
+  if (alpha <= 0 && !replaces) return;
+  if (!cairoOperator) {  // PlusDarker
+    CompositePlusDarker(cr, primitive, alpha);
+    return;
+  }
+  cairo_operator_t op = *cairoOperator;
   cairo_save(cr);
   cairo_set_operator(cr, op);
   if (primitive.isLayer() || primitive.paintIsBounded(op)) {
@@ -335,14 +433,7 @@ void CompositePrimitive(cairo_t* cr, const Primitive& primitive, cairo_operator_
 std::optional<ShadowMask> RenderShadowMask(cairo_t* cr, const Primitive& primitive, double sigma,
                                            Size offset) {
   // The pixels the shadow may land on: what the clip shows.
-  double x1, y1, x2, y2;
-  cairo_save(cr);
-  cairo_identity_matrix(cr);
-  cairo_clip_extents(cr, &x1, &y1, &x2, &y2);
-  cairo_restore(cr);
-  DeviceRect visible{static_cast<int>(std::floor(x1)), static_cast<int>(std::floor(y1)),
-                     static_cast<int>(std::ceil(x2) - std::floor(x1)),
-                     static_cast<int>(std::ceil(y2) - std::floor(y1))};
+  DeviceRect visible = VisibleDeviceRect(cr);
   if (visible.isEmpty()) return std::nullopt;
 
   // Device space runs y down; the offset runs y up.

@@ -167,10 +167,11 @@ class MaskPrimitive : public Primitive {
   bool unbounded_;
 };
 
-// Composites a primitive onto cr's target with an operator and global alpha
+// Composites a primitive onto cr's target with an operation and global alpha
 // the way the platform does: bounded by the primitive's shape (a layer: by the
-// clip), whatever cairo's own rule for the operator is.
-void CompositePrimitive(cairo_t* cr, const Primitive& primitive, cairo_operator_t op,
+// clip), whatever cairo's own rule for the operator is. PlusDarker, which
+// cairo lacks, is computed pixel by pixel.
+void CompositePrimitive(cairo_t* cr, const Primitive& primitive, CompositingOperation operation,
                         double alpha);
 
 // The primitive's coverage × source alpha in device pixels, blurred with a

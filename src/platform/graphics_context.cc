@@ -352,7 +352,7 @@ constexpr Rect kEverywhere = MakeRect(-(1 << 28), -(1 << 28), 1 << 29, 1 << 29);
 void GraphicsContext::draw(const Primitive& primitive) {
   cairo_set_antialias(cr_, state().antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
   Rect shadowPixels = state().shadow ? drawShadow(primitive) : ZeroRect();
-  CompositePrimitive(cr_, primitive, ToCairoOperator(state().operation), state().alpha);
+  CompositePrimitive(cr_, primitive, state().operation, state().alpha);
   // Inside a layer, remember where it has ink: its shadow and composite
   // later need only that part of the layer.
   bool insideLayer = std::any_of(states_.begin(), states_.end(),
@@ -385,7 +385,7 @@ Rect GraphicsContext::drawShadow(const Primitive& primitive) {
   std::optional<ShadowMask> mask = RenderShadowMask(cr_, primitive, sigma, offset);
   if (!mask) return ZeroRect();
   MaskPrimitive shadowPrimitive(*mask, color, primitive.isLayer());
-  CompositePrimitive(cr_, shadowPrimitive, ToCairoOperator(state().operation), state().alpha);
+  CompositePrimitive(cr_, shadowPrimitive, state().operation, state().alpha);
   return ToRect(*shadowPrimitive.deviceExtents(cr_));
 }
 
