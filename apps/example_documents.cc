@@ -4,7 +4,7 @@
 #include "draws/draw_group.h"
 #include "draws/draw_lines.h"
 #include "draws/draw_rectangle.h"
-#include "platform/bezier_path.h"
+#include "platform/values/bezier_path.h"
 
 namespace paintdoc {
 

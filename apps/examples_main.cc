@@ -5,7 +5,7 @@
 
 #include "document/register_all_classes.h"
 #include "example_documents.h"
-#include "platform/file_bytes.h"
+#include "platform/values/file_bytes.h"
 #include "preview/document_container.h"
 
 int main(int argc, char** argv) {

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "cli_commands.h"
-#include "platform/bitmap.h"
-#include "platform/file_bytes.h"
-#include "platform/image_codecs.h"
+#include "platform/values/bitmap.h"
+#include "platform/values/file_bytes.h"
+#include "platform/codecs/image_codecs.h"
 #include "preview/bitmap_scaling.h"
 #include "preview/preview_generator.h"
 #include "preview/preview_request.h"

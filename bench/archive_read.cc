@@ -13,9 +13,9 @@
 
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
-#include "platform/bitmap.h"
-#include "platform/file_bytes.h"
-#include "platform/image_codecs.h"
+#include "platform/values/bitmap.h"
+#include "platform/values/file_bytes.h"
+#include "platform/codecs/image_codecs.h"
 
 namespace paintdoc {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/gaussian_blur.h"
+#include "platform/graphics/gaussian_blur.h"
 
 #ifdef PAINTDOC_HAVE_VIPS
 #include <vips/vips.h>

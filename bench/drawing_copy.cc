@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "platform/graphics_context.h"
-#include "platform/image_codecs.h"
+#include "platform/graphics/graphics_context.h"
+#include "platform/codecs/image_codecs.h"
 
 namespace paintdoc {
 namespace {

@@ -3,7 +3,7 @@
 // with gradient fills draw), and the inner-shadow idiom.
 #include <benchmark/benchmark.h>
 
-#include "platform/graphics_context.h"
+#include "platform/graphics/graphics_context.h"
 
 namespace paintdoc {
 namespace {

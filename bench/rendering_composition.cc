@@ -15,7 +15,7 @@
 
 #include "document/paint_manager.h"
 #include "draws/draw_rectangle.h"
-#include "platform/graphics_context.h"
+#include "platform/graphics/graphics_context.h"
 
 namespace paintdoc {
 namespace {

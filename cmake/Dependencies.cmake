@@ -1,14 +1,14 @@
-# System libraries the platform layer is built on, gathered into one interface target.
+# System libraries the platform layer is built on, one interface target a
+# group so that each platform module links only what it uses.
 find_package(PkgConfig REQUIRED)
-pkg_check_modules(PD_DEPS REQUIRED IMPORTED_TARGET
-  cairo pangocairo pango fontconfig libpng libjpeg libtiff-4 libwebp libwebpdemux)
+pkg_check_modules(PD_CAIRO REQUIRED IMPORTED_TARGET cairo)
+pkg_check_modules(PD_TEXT REQUIRED IMPORTED_TARGET pangocairo pango fontconfig)
+pkg_check_modules(PD_CODECS REQUIRED IMPORTED_TARGET libpng libjpeg libtiff-4 libwebp libwebpdemux lcms2)
 find_library(GIF_LIBRARY NAMES gif REQUIRED)
 find_path(GIF_INCLUDE_DIR gif_lib.h REQUIRED)
 find_package(OpenMP REQUIRED COMPONENTS CXX)
 find_package(Threads REQUIRED)
 
-add_library(paintdoc_deps INTERFACE)
-add_library(paintdoc::deps ALIAS paintdoc_deps)
-target_link_libraries(paintdoc_deps INTERFACE
-  PkgConfig::PD_DEPS ${GIF_LIBRARY} OpenMP::OpenMP_CXX Threads::Threads ${CMAKE_DL_LIBS})
-target_include_directories(paintdoc_deps INTERFACE ${GIF_INCLUDE_DIR})
+add_library(paintdoc_deps_codecs INTERFACE)
+target_link_libraries(paintdoc_deps_codecs INTERFACE PkgConfig::PD_CODECS ${GIF_LIBRARY})
+target_include_directories(paintdoc_deps_codecs INTERFACE ${GIF_INCLUDE_DIR})

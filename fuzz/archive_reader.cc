@@ -11,7 +11,7 @@
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
 #include "archive/property_list.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace {
 

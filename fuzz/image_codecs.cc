@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "platform/image_codecs.h"
+#include "platform/codecs/image_codecs.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // A smaller pixel limit than the default keeps each run fast; the checks

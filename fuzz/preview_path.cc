@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/log.h"
+#include "platform/values/log.h"
 #include "preview/document_info.h"
 #include "preview/preview_generator.h"
 #include "preview/preview_request.h"

@@ -16,16 +16,16 @@
 
 #include "archive/archived_image.h"
 #include "archive/shared_bytes.h"
-#include "platform/affine_transform.h"
-#include "platform/attributed_string.h"
-#include "platform/bezier_path.h"
-#include "platform/class_registry.h"
-#include "platform/color.h"
-#include "platform/font.h"
-#include "platform/geometry.h"
-#include "platform/gradient.h"
-#include "platform/paragraph_style.h"
-#include "platform/shadow.h"
+#include "platform/values/affine_transform.h"
+#include "platform/text/attributed_string.h"
+#include "platform/values/bezier_path.h"
+#include "platform/values/class_registry.h"
+#include "platform/values/color.h"
+#include "platform/text/font.h"
+#include "platform/values/geometry.h"
+#include "platform/values/gradient.h"
+#include "platform/text/paragraph_style.h"
+#include "platform/values/shadow.h"
 
 namespace paintdoc {
 

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "archive/archived_forms.h"
-#include "platform/geometry.h"
-#include "platform/log.h"
+#include "platform/values/geometry.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "archive/archived_forms.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 

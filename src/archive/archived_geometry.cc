@@ -15,7 +15,7 @@
 #include <cstring>
 
 #include "archive/archived_forms.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 

@@ -2,9 +2,9 @@
 // file ("NSTIFFRepresentation"); an image holds its size in points and its
 // representations ("NSReps": pairs of 0 and a representation).
 #include "archive/archived_forms.h"
-#include "platform/bitmap.h"
-#include "platform/image_codecs.h"
-#include "platform/log.h"
+#include "platform/values/bitmap.h"
+#include "platform/codecs/image_codecs.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 

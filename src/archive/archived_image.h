@@ -7,8 +7,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/color.h"
-#include "platform/geometry.h"
+#include "platform/values/color.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

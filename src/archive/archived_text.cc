@@ -9,7 +9,7 @@
 #include <algorithm>
 
 #include "archive/archived_forms.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 

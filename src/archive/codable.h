@@ -1,7 +1,7 @@
 // The base of every class that archives itself through keyed coding.
 #pragma once
 
-#include "platform/class_registry.h"
+#include "platform/values/class_registry.h"
 
 namespace paintdoc {
 

@@ -6,7 +6,7 @@
 
 #include "archive/archived_forms.h"
 #include "archive/property_list.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 

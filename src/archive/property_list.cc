@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/utf16.h"
+#include "platform/text/utf16.h"
 
 namespace paintdoc {
 

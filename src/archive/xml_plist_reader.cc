@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "archive/property_list.h"
-#include "platform/utf16.h"
+#include "platform/text/utf16.h"
 
 namespace paintdoc {
 

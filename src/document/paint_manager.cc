@@ -4,9 +4,9 @@
 #include <cmath>
 #include <limits>
 
-#include "draws/draw_image.h"
-#include "platform/bitmap.h"
-#include "platform/image_codecs.h"
+#include "raster/draw_image.h"
+#include "platform/values/bitmap.h"
+#include "platform/codecs/image_codecs.h"
 
 namespace paintdoc {
 

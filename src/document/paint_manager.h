@@ -13,7 +13,7 @@
 
 #include "archive/codable.h"
 #include "draws/draw_group.h"
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 
@@ -35,7 +35,9 @@ class PaintManager : public Codable {
   PaintManager(const PaintManager&) = delete;
   PaintManager& operator=(const PaintManager&) = delete;
 
-  std::string className() const override { return "PaintManager"; }
+  static constexpr const char* kClassName = "PaintManager";
+  using Superclass = RootObject;
+  std::string className() const override { return kClassName; }
 
   // An empty canvas. Each side is truncated toward zero through a 32-bit
   // integer (99.9 gives 99, -0.5 gives 0); sides beyond the 32-bit range

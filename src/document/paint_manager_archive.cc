@@ -2,7 +2,7 @@
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
 #include "document/paint_manager.h"
-#include "draws/draw_image.h"
+#include "raster/draw_image.h"
 
 namespace paintdoc {
 

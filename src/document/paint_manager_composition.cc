@@ -6,10 +6,10 @@
 #include <unordered_set>
 
 #include "document/paint_manager.h"
-#include "draws/draw_image.h"
-#include "platform/bitmap.h"
-#include "platform/graphics_context.h"
-#include "raster/bitmap_functions.h"
+#include "raster/draw_image.h"
+#include "platform/values/bitmap.h"
+#include "platform/graphics/graphics_context.h"
+#include "platform/graphics/bitmap_functions.h"
 
 namespace paintdoc {
 

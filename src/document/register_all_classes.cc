@@ -4,19 +4,23 @@
 
 #include "document/paint_manager.h"
 #include "draws/register_draw_classes.h"
-#include "platform/class_registry.h"
+#include "platform/values/class_registry.h"
+#include "raster/register_raster_classes.h"
+#include "shapes/register_shape_classes.h"
+#include "text/register_text_classes.h"
 
 namespace paintdoc {
 
-void RegisterDocumentClasses() {
-  ClassRegistry::shared().registerClass(
-      {"PaintManager", "NSObject", [] { return std::make_shared<PaintManager>(); }});
-}
+void RegisterDocumentClasses() { RegisterClass<PaintManager>(); }
 
 void RegisterAllClasses() {
   static std::once_flag once;
   std::call_once(once, [] {
+    // Module order: a superclass is registered before its subclasses.
     RegisterDrawClasses();
+    RegisterShapeClasses();
+    RegisterTextClasses();
+    RegisterRasterClasses();
     RegisterDocumentClasses();
   });
 }

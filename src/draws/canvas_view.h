@@ -10,8 +10,8 @@
 // s·p + origin of the canvas in the view.
 #pragma once
 
-#include "platform/affine_transform.h"
-#include "platform/geometry.h"
+#include "platform/values/affine_transform.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

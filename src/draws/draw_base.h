@@ -25,12 +25,12 @@
 #include "archive/archive_value.h"
 #include "archive/codable.h"
 #include "archive/shared_bytes.h"
-#include "platform/affine_transform.h"
-#include "platform/bezier_path.h"
-#include "platform/color.h"
-#include "platform/geometry.h"
-#include "platform/gradient.h"
-#include "platform/shadow.h"
+#include "platform/values/affine_transform.h"
+#include "platform/values/bezier_path.h"
+#include "platform/values/color.h"
+#include "platform/values/geometry.h"
+#include "platform/values/gradient.h"
+#include "platform/values/shadow.h"
 
 namespace paintdoc {
 
@@ -47,9 +47,14 @@ extern float borderLineWidth;
 extern const double borderDashStyle[2];
 extern const int64_t borderDaskPhaseCount;
 // Phase of the border dash, advanced by 1 every 0.1 s and wrapped to 0 at 8 by
-// a background task. Readers take whatever value is current; a stale value
-// only shifts the dash by a step.
+// a background task. Read it through BorderDashPhaseStart(), which starts the
+// task on first use: a process that never paints a border (a preview, a
+// server, the plug-in) starts no thread. A stale value only shifts the dash by
+// a step.
 extern std::atomic<double> fBorderDashPhaseStart;
+double BorderDashPhaseStart();
+// One step of the animation: the next phase after `phase`.
+double NextBorderDashPhase(double phase);
 // Colour of highlights and knobs: calibrated RGB (29, 89, 236) / 255, opaque.
 extern const Color colorDrawBaseHighlight;
 
@@ -61,10 +66,12 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   DrawBase(const DrawBase&) = delete;
   DrawBase& operator=(const DrawBase&) = delete;
 
-  std::string className() const override { return "DrawBase"; }
+  static constexpr const char* kClassName = "DrawBase";
+  using Superclass = RootObject;
+  std::string className() const override { return kClassName; }
 
-  // The one-time class set-up: measures the backing scale and starts the
-  // border-dash phase task. Runs once per process; later calls do nothing.
+  // The one-time class set-up: measures the backing scale. Runs once per
+  // process; later calls do nothing.
   static void initialize();
 
   // --- Lifetime and persistence

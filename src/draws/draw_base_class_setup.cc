@@ -1,5 +1,5 @@
-// The one-time class set-up of DrawBase: the process-wide border constants and
-// the background task that animates the border dash.
+// The one-time class set-up of DrawBase: the process-wide border constants, and
+// the background task that animates the border dash, started on first use.
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "draws/draw_base.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 
@@ -39,9 +39,9 @@ double DisplayBackingScale() {
 void AnimateBorderDashPhase() {
   for (;;) {
     std::this_thread::sleep_for(kDashPhaseStepInterval);
-    double phase = fBorderDashPhaseStart.load(std::memory_order_relaxed) + 1.0;
-    if (phase >= kDashPhaseWrap) phase = 0.0;
-    fBorderDashPhaseStart.store(phase, std::memory_order_relaxed);
+    fBorderDashPhaseStart.store(
+        NextBorderDashPhase(fBorderDashPhaseStart.load(std::memory_order_relaxed)),
+        std::memory_order_relaxed);
   }
 }
 
@@ -56,12 +56,22 @@ void StartBorderDashTask() {
 
 }  // namespace
 
+double NextBorderDashPhase(double phase) {
+  const double next = phase + 1.0;
+  return next >= kDashPhaseWrap ? 0.0 : next;
+}
+
+double BorderDashPhaseStart() {
+  static std::once_flag once;
+  std::call_once(once, StartBorderDashTask);
+  return fBorderDashPhaseStart.load(std::memory_order_relaxed);
+}
+
 void DrawBase::initialize() {
   static std::once_flag once;
   std::call_once(once, [] {
     const double scale = DisplayBackingScale();
     if (scale > 1.0) borderLineWidth = static_cast<float>(1.0 / scale);
-    StartBorderDashTask();
   });
 }
 

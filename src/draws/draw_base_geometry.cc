@@ -6,7 +6,7 @@
 #include <cmath>
 #include <vector>
 
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 namespace {

@@ -8,10 +8,10 @@
 
 #include "draws/canvas_view.h"
 #include "draws/draw_base.h"
-#include "platform/gaussian_blur.h"
-#include "platform/graphics_context.h"
-#include "platform/log.h"
-#include "raster/bitmap_functions.h"
+#include "platform/graphics/gaussian_blur.h"
+#include "platform/graphics/graphics_context.h"
+#include "platform/values/log.h"
+#include "platform/graphics/bitmap_functions.h"
 
 namespace paintdoc {
 
@@ -399,7 +399,7 @@ void DrawBase::drawBorderInCanvasView(const CanvasView& view) {
   context->setStrokeColor(Color::calibratedWhite(0.0, 1.0));
   context->stroke(border);
   border.setLineDash(std::vector<double>(borderDashStyle, borderDashStyle + borderDaskPhaseCount),
-                     fBorderDashPhaseStart.load(std::memory_order_relaxed));
+                     BorderDashPhaseStart());
   context->setStrokeColor(Color::calibratedWhite(1.0, 1.0));
   context->stroke(border);
   context->restoreGraphicsState();

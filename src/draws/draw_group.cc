@@ -5,8 +5,8 @@
 
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
-#include "platform/log.h"
-#include "platform/not_found.h"
+#include "platform/values/log.h"
+#include "platform/values/not_found.h"
 
 namespace paintdoc {
 

@@ -13,10 +13,9 @@ namespace paintdoc {
 using DrawList = std::vector<std::shared_ptr<DrawBase>>;
 
 class DrawGroup : public DrawBase {
- public:
+  PAINTDOC_CLASS(DrawGroup, DrawBase)
   ~DrawGroup() override;
 
-  std::string className() const override { return "DrawGroup"; }
   std::string name() const override { return "Group"; }
 
   // The DrawBase keys, then the members under "Draws" when there are any.

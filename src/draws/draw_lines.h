@@ -6,27 +6,23 @@
 namespace paintdoc {
 
 class DrawLine : public DrawBase {
- public:
-  std::string className() const override { return "DrawLine"; }
+  PAINTDOC_CLASS(DrawLine, DrawBase)
   std::string name() const override { return "Line"; }
 };
 
 class DrawCurve : public DrawBase {
- public:
-  std::string className() const override { return "DrawCurve"; }
+  PAINTDOC_CLASS(DrawCurve, DrawBase)
   std::string name() const override { return "Curve"; }
 };
 
 class DrawBrokenLine : public DrawBase {
- public:
-  std::string className() const override { return "DrawBrokenLine"; }
+  PAINTDOC_CLASS(DrawBrokenLine, DrawBase)
   std::string name() const override { return "Broken Line"; }
 };
 
 // A closed polygon drawn point by point; it can be filled.
 class DrawFreePolygon : public DrawBase {
- public:
-  std::string className() const override { return "DrawFreePolygon"; }
+  PAINTDOC_CLASS(DrawFreePolygon, DrawBase)
   std::string name() const override { return "Free Polygon"; }
   bool classDrawFill() const override { return true; }
 };

@@ -5,7 +5,7 @@
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
 #include "draws/canvas_view.h"
-#include "platform/graphics_context.h"
+#include "platform/graphics/graphics_context.h"
 
 namespace paintdoc {
 

@@ -10,8 +10,7 @@
 namespace paintdoc {
 
 class DrawRectangle : public DrawBase {
- public:
-  std::string className() const override { return "DrawRectangle"; }
+  PAINTDOC_CLASS(DrawRectangle, DrawBase)
   std::string name() const override { return "Rectangle"; }
   // DrawBase's defaults with mitred joins (a rectangle keeps sharp corners).
   void init() override;
@@ -57,8 +56,7 @@ class DrawRectangle : public DrawBase {
 Rect RectRaisedToUnitSize(const Rect& bounds);
 
 class DrawEllipse : public DrawRectangle {
- public:
-  std::string className() const override { return "DrawEllipse"; }
+  PAINTDOC_CLASS(DrawEllipse, DrawRectangle)
   std::string name() const override { return "Ellipse"; }
   // Round line caps.
   void init() override;
@@ -73,7 +71,9 @@ class DrawRoundRectangle : public DrawRectangle {
  public:
   static constexpr float kInitRadius = 30.0f;
 
-  std::string className() const override { return "DrawRoundRectangle"; }
+  static constexpr const char* kClassName = "DrawRoundRectangle";
+  using Superclass = DrawRectangle;
+  std::string className() const override { return kClassName; }
   std::string name() const override { return "Round Rectangle"; }
   // Both corner radii 30.
   void init() override;
@@ -102,8 +102,7 @@ class DrawRoundRectangle : public DrawRectangle {
 
 // A box filled with a gradient and never stroked.
 class DrawGradient : public DrawRectangle {
- public:
-  std::string className() const override { return "DrawGradient"; }
+  PAINTDOC_CLASS(DrawGradient, DrawRectangle)
   std::string name() const override { return "Gradient"; }
   bool classDrawStroke() const override { return false; }
 

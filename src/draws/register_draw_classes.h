@@ -1,11 +1,10 @@
-// Registers every draw class under its archived name with its superclass, so
-// that archives can record class chains and build draws by name.
+// Registers the draw classes of this module: the base, rectangles, lines and groups with the class registry, so that archives can
+// name them and build them by name. Called once, in module order, by
+// RegisterAllClasses().
 #pragma once
 
 namespace paintdoc {
 
-// Registers the whole draw class tree. Registering again replaces the entries
-// with identical ones, so repeated calls are harmless.
 void RegisterDrawClasses();
 
 }  // namespace paintdoc

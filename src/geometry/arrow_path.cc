@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "platform/affine_transform.h"
+#include "platform/values/affine_transform.h"
 
 namespace paintdoc {
 namespace {

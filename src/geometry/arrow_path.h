@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "platform/bezier_path.h"
-#include "platform/geometry.h"
+#include "platform/values/bezier_path.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

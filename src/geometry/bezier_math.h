@@ -9,8 +9,8 @@
 #include <cstdint>
 
 #include "geometry/bezier_find_point_details.h"
-#include "platform/bezier_path.h"
-#include "platform/geometry.h"
+#include "platform/values/bezier_path.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

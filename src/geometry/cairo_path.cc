@@ -1,6 +1,6 @@
 #include "geometry/cairo_path.h"
 
-#include "platform/cairo_conversion.h"
+#include "platform/graphics/cairo_conversion.h"
 
 namespace paintdoc {
 

@@ -3,7 +3,7 @@
 
 #include <cairo.h>
 
-#include "platform/bezier_path.h"
+#include "platform/values/bezier_path.h"
 
 namespace paintdoc {
 

@@ -2,7 +2,7 @@
 // points.
 #pragma once
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

@@ -2,7 +2,7 @@
 // edge midpoints, numbered as the knob and shape code stores them.
 #pragma once
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-#include "platform/bezier_path.h"
-#include "platform/geometry.h"
+#include "platform/values/bezier_path.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

@@ -1,7 +1,7 @@
 #include "geometry/exact_float_arithmetic.h"
 #include "geometry/rotation.h"
 
-#include "platform/affine_transform.h"
+#include "platform/values/affine_transform.h"
 
 namespace paintdoc {
 namespace {

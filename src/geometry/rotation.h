@@ -2,7 +2,7 @@
 // draw's unrotated frame.
 #pragma once
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

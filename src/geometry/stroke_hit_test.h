@@ -2,8 +2,8 @@
 // the pointer.
 #pragma once
 
-#include "platform/bezier_path.h"
-#include "platform/geometry.h"
+#include "platform/values/bezier_path.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "platform/bitmap.h"
+#include "platform/values/bitmap.h"
 
 namespace paintdoc {
 

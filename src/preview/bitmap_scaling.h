@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

@@ -5,8 +5,8 @@
 
 #include "document/paint_manager.h"
 #include "draws/draw_group.h"
-#include "draws/draw_image.h"
-#include "platform/bitmap.h"
+#include "raster/draw_image.h"
+#include "platform/values/bitmap.h"
 #include "preview/preview_source.h"
 
 namespace paintdoc {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

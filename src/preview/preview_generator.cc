@@ -1,8 +1,8 @@
 #include "preview/preview_generator.h"
 
 #include "document/paint_manager.h"
-#include "platform/bitmap.h"
-#include "platform/graphics_context.h"
+#include "platform/values/bitmap.h"
+#include "platform/graphics/graphics_context.h"
 #include "preview/preview_request.h"
 
 namespace paintdoc {

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "archive/archive_limits.h"
-#include "platform/image_codecs.h"
+#include "platform/codecs/image_codecs.h"
 
 namespace paintdoc {
 

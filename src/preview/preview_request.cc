@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/bitmap.h"
+#include "platform/values/bitmap.h"
 
 namespace paintdoc {
 

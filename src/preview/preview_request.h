@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc {
 

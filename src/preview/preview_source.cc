@@ -5,8 +5,8 @@
 #include "archive/keyed_unarchiver.h"
 #include "document/paint_manager.h"
 #include "document/register_all_classes.h"
-#include "platform/file_bytes.h"
-#include "platform/image_codecs.h"
+#include "platform/values/file_bytes.h"
+#include "platform/codecs/image_codecs.h"
 
 namespace paintdoc {
 

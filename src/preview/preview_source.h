@@ -9,7 +9,7 @@
 #include <string>
 
 #include "archive/shared_bytes.h"
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 #include "preview/preview_limits.h"
 
 namespace paintdoc {

@@ -7,9 +7,9 @@
 #include "document/paint_manager.h"
 #include "document/register_all_classes.h"
 #include "draws/draw_rectangle.h"
-#include "platform/bitmap.h"
-#include "platform/file_bytes.h"
-#include "platform/image_codecs.h"
+#include "platform/values/bitmap.h"
+#include "platform/values/file_bytes.h"
+#include "platform/codecs/image_codecs.h"
 #include "preview/document_container.h"
 #include "support/test_paths.h"
 

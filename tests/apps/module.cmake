@@ -6,3 +6,4 @@ set_target_properties(test_apps PROPERTIES ENABLE_EXPORTS ON)
 target_compile_definitions(test_apps PRIVATE
   PAINTDOC_APPS_DIR="$<TARGET_FILE_DIR:paintdoc-cli>"
   PAINTDOC_PLUGIN_PATH="$<TARGET_FILE:paintdoc-preview>")
+target_link_libraries(test_apps PRIVATE paintdoc_plugin_host paintdoc_plugin_entry_points)

@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "app_fixtures.h"
-#include "platform/bitmap.h"
-#include "preview/plugin_interface.h"
-#include "preview/plugin_registry.h"
-#include "preview/plugin_uuid.h"
+#include "platform/values/bitmap.h"
+#include "plugin/plugin_interface.h"
+#include "plugin/plugin_registry.h"
+#include "plugin/plugin_uuid.h"
 #include "preview/preview_request.h"
 
 namespace paintdoc::test {

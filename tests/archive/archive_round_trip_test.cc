@@ -7,8 +7,8 @@
 #include "archive/encoded_data.h"
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
-#include "platform/bitmap.h"
-#include "platform/log.h"
+#include "platform/values/bitmap.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 namespace {

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/file_bytes.h"
+#include "platform/values/file_bytes.h"
 #include "support/test_paths.h"
 
 namespace paintdoc::test {

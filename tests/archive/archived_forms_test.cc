@@ -5,8 +5,8 @@
 
 #include "archive/archive_test_support.h"
 #include "archive/keyed_unarchiver.h"
-#include "platform/bitmap.h"
-#include "platform/log.h"
+#include "platform/values/bitmap.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 namespace {

@@ -9,7 +9,7 @@
 #include "archive/archive_test_support.h"
 #include "archive/keyed_unarchiver.h"
 #include "archive/property_list.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 namespace {

@@ -8,7 +8,7 @@
 #include "archive/archive_test_support.h"
 #include "archive/encoded_data.h"
 #include "archive/keyed_unarchiver.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 
 namespace paintdoc {
 namespace {

@@ -4,9 +4,9 @@
 
 #include "document/paint_manager.h"
 #include "draws/draw_group.h"
-#include "draws/draw_image.h"
+#include "raster/draw_image.h"
 #include "draws/draw_rectangle.h"
-#include "raster/bitmap_functions.h"
+#include "platform/graphics/bitmap_functions.h"
 #include "support/golden_image.h"
 
 namespace paintdoc {

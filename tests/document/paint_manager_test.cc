@@ -9,10 +9,10 @@
 #include "document/paint_manager.h"
 #include "document/register_all_classes.h"
 #include "draws/draw_group.h"
-#include "draws/draw_image.h"
+#include "raster/draw_image.h"
 #include "draws/draw_lines.h"
 #include "draws/draw_rectangle.h"
-#include "platform/bitmap.h"
+#include "platform/values/bitmap.h"
 #include "support/archive_fixtures.h"
 
 namespace paintdoc {

@@ -1,39 +1,37 @@
-// The border-dash phase task started by the one-time class set-up.
+// The border-dash phase: its animation step, and the task started on first use.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <set>
-#include <thread>
+#include <dirent.h>
 
 #include "draws/draw_base.h"
+#include "draws/draw_rectangle.h"
 
 namespace paintdoc {
 namespace {
 
-// Changes are counted over the first second: about 10 with a single task, twice
-// that with two (generous bounds for a loaded machine). Watching goes on for up
-// to 5 s until every phase was seen: whole steps that wrap below eight.
-TEST(BorderDashPhase, StepsAboutTenTimesASecondThroughTheWholeStepsBelowEight) {
-  using Clock = std::chrono::steady_clock;
-  DrawBase::initialize();
-  DrawBase::initialize();  // a second set-up starts no second task
-  std::set<double> seen;
-  int changes = 0;
-  double last = fBorderDashPhaseStart.load();
-  const auto start = Clock::now();
-  for (auto elapsed = Clock::duration(); elapsed < std::chrono::seconds(5);
-       elapsed = Clock::now() - start) {
-    const bool firstSecond = elapsed < std::chrono::seconds(1);
-    if (!firstSecond && seen.size() == 8) break;
-    const double now = fBorderDashPhaseStart.load();
-    seen.insert(now);
-    if (firstSecond && now != last) ++changes;
-    last = now;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+TEST(BorderDashPhase, StepsThroughTheWholeStepsBelowEightAndWraps) {
+  const struct { double phase, next; } steps[] = {{0, 1}, {6, 7}, {7, 0}, {7.5, 0}, {8, 0}};
+  for (const auto& step : steps) EXPECT_EQ(NextBorderDashPhase(step.phase), step.next) << step.phase;
+}
+
+int ThreadCount() {
+  int count = 0;
+  if (DIR* tasks = opendir("/proc/self/task")) {
+    while (const dirent* entry = readdir(tasks)) count += entry->d_name[0] != '.';
+    closedir(tasks);
   }
-  EXPECT_EQ(seen, (std::set<double>{0, 1, 2, 3, 4, 5, 6, 7}));
-  EXPECT_GE(changes, 5);
-  EXPECT_LE(changes, 12);
+  return count;
+}
+
+// Making and drawing draws starts no thread; the first read of the phase
+// starts exactly one, and later reads no other.
+TEST(BorderDashPhase, TaskStartsOnTheFirstReadOnly) {
+  const int before = ThreadCount();
+  auto draw = MakeDraw<DrawRectangle>();
+  EXPECT_EQ(ThreadCount(), before);
+  BorderDashPhaseStart();
+  BorderDashPhaseStart();
+  EXPECT_EQ(ThreadCount(), before + 1);
 }
 
 }  // namespace

@@ -10,9 +10,9 @@
 #include "draws/draw_base.h"
 #include "draws/draw_group.h"
 #include "draws/draw_lines.h"
-#include "draws/draw_raster.h"
+#include "raster/draw_raster.h"
 #include "draws/draw_rectangle.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 #include "support/archive_fixtures.h"
 
 namespace paintdoc {

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "draws/draw_base.h"
-#include "platform/log.h"
+#include "platform/values/log.h"
 #include "support/geometry_near.h"
 
 namespace paintdoc {

@@ -8,10 +8,10 @@
 #include "document/register_all_classes.h"
 #include "draws/draw_base.h"
 #include "draws/draw_group.h"
-#include "draws/draw_raster.h"
+#include "raster/draw_raster.h"
 #include "draws/draw_rectangle.h"
-#include "draws/draw_selections.h"
-#include "platform/class_registry.h"
+#include "raster/draw_selections.h"
+#include "platform/values/class_registry.h"
 
 namespace paintdoc {
 namespace {

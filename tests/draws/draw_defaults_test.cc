@@ -5,10 +5,10 @@
 #include <cstdlib>
 
 #include "draws/draw_base.h"
-#include "draws/draw_image.h"
-#include "draws/draw_raster.h"
+#include "raster/draw_image.h"
+#include "raster/draw_raster.h"
 #include "draws/draw_rectangle.h"
-#include "draws/draw_text.h"
+#include "text/draw_text.h"
 
 namespace paintdoc {
 namespace {

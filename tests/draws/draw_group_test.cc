@@ -5,7 +5,7 @@
 #include "draws/draw_group.h"
 #include "draws/draw_lines.h"
 #include "draws/draw_rectangle.h"
-#include "platform/not_found.h"
+#include "platform/values/not_found.h"
 
 namespace paintdoc {
 namespace {

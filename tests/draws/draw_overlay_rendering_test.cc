@@ -6,8 +6,8 @@
 
 #include "draws/canvas_view.h"
 #include "draws/draw_rectangle.h"
-#include "platform/graphics_context.h"
-#include "raster/bitmap_functions.h"
+#include "platform/graphics/graphics_context.h"
+#include "platform/graphics/bitmap_functions.h"
 #include "support/geometry_near.h"
 #include "support/golden_image.h"
 

@@ -4,7 +4,7 @@
 
 
 #include "document/register_all_classes.h"
-#include "draws/draw_selections.h"
+#include "raster/draw_selections.h"
 #include "support/geometry_near.h"
 
 namespace paintdoc {

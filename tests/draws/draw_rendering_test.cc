@@ -11,12 +11,12 @@
 #include <numbers>
 
 #include "document/paint_manager.h"
-#include "draws/draw_raster.h"
+#include "raster/draw_raster.h"
 #include "draws/draw_rectangle.h"
-#include "draws/draw_selections.h"
-#include "platform/graphics_context.h"
-#include "platform/log.h"
-#include "raster/bitmap_functions.h"
+#include "raster/draw_selections.h"
+#include "platform/graphics/graphics_context.h"
+#include "platform/values/log.h"
+#include "platform/graphics/bitmap_functions.h"
 #include "support/geometry_near.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"

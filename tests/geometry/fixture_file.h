@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc::test {
 

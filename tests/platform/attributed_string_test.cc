@@ -2,8 +2,8 @@
 // defaults and tab stops, and the UTF-8 ↔ UTF-16 conversions they rely on.
 #include <gtest/gtest.h>
 
-#include "platform/attributed_string.h"
-#include "platform/utf16.h"
+#include "platform/text/attributed_string.h"
+#include "platform/text/utf16.h"
 
 namespace paintdoc {
 namespace {

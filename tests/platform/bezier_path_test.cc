@@ -1,4 +1,4 @@
-#include "platform/bezier_path.h"
+#include "platform/values/bezier_path.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "platform/bitmap.h"
+#include "platform/values/bitmap.h"
 
 #include <cairo.h>
 #include <gtest/gtest.h>
 
-#include "platform/log.h"
+#include "platform/values/log.h"
 #include "support/golden_image.h"
 
 namespace paintdoc {

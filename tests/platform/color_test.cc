@@ -1,11 +1,11 @@
-#include "platform/color.h"
+#include "platform/values/color.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/class_registry.h"
-#include "platform/gradient.h"
-#include "platform/log.h"
-#include "platform/shadow.h"
+#include "platform/values/class_registry.h"
+#include "platform/values/gradient.h"
+#include "platform/values/log.h"
+#include "platform/values/shadow.h"
 
 namespace paintdoc {
 namespace {

@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/graphics_context.h"
+#include "platform/graphics/graphics_context.h"
 
 namespace paintdoc::test {
 

@@ -1,4 +1,4 @@
-#include "platform/gaussian_blur.h"
+#include "platform/graphics/gaussian_blur.h"
 
 #include <gtest/gtest.h>
 

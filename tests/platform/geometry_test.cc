@@ -1,11 +1,11 @@
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 
-#include "platform/affine_transform.h"
+#include "platform/values/affine_transform.h"
 
 namespace paintdoc {
 namespace {

@@ -1,13 +1,13 @@
 // The current-context stack, graphics state, coordinates, strokes, clips and
 // the platform's bounded compositing operations.
-#include "platform/graphics_context.h"
+#include "platform/graphics/graphics_context.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <thread>
 
-#include "platform/log.h"
+#include "platform/values/log.h"
 #include "platform/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"

@@ -1,4 +1,4 @@
-#include "platform/image_codecs.h"
+#include "platform/codecs/image_codecs.h"
 
 #include <cstdio>
 #include <jpeglib.h>
@@ -11,7 +11,7 @@
 #include <functional>
 #include <random>
 
-#include "platform/file_bytes.h"
+#include "platform/values/file_bytes.h"
 #include "support/golden_image.h"
 #include "support/test_paths.h"
 

@@ -1,7 +1,7 @@
 // Area-averaging resampling and the fitting of thumbnails into a square.
 #include <gtest/gtest.h>
 
-#include "platform/bitmap.h"
+#include "platform/values/bitmap.h"
 #include "preview/bitmap_scaling.h"
 
 namespace paintdoc {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/geometry.h"
+#include "platform/values/geometry.h"
 
 namespace paintdoc::test {
 

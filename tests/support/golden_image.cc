@@ -6,8 +6,8 @@
 #include <ostream>
 #include <sstream>
 
-#include "platform/file_bytes.h"
-#include "platform/image_codecs.h"
+#include "platform/values/file_bytes.h"
+#include "platform/codecs/image_codecs.h"
 #include "support/test_paths.h"
 
 namespace paintdoc {

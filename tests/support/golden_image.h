@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/bitmap.h"
+#include "platform/values/bitmap.h"
 
 namespace paintdoc::test {
 

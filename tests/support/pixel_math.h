@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "platform/bitmap.h"
+#include "platform/values/bitmap.h"
 #include "support/golden_image.h"
 
 namespace paintdoc::test {

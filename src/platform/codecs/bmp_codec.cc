@@ -1,0 +1,314 @@
+// BMP reading (no library: the format is small). Handles the core, info and
+// V4/V5 headers; 1, 4, 8, 16, 24 and 32 bits a pixel; palettes; bit-field
+// masks with or without alpha; RLE8 and RLE4; bottom-up and top-down rows.
+// Every offset and length is checked against the file before use.
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+
+#include "platform/codecs/image_codecs.h"
+#include "platform/codecs/image_decoding.h"
+
+namespace paintdoc {
+namespace {
+
+using image_decoding::Failure;
+
+constexpr size_t kFileHeaderSize = 14;
+constexpr uint32_t kCompressionRGB = 0, kCompressionRLE8 = 1, kCompressionRLE4 = 2,
+                   kCompressionBitFields = 3, kCompressionAlphaBitFields = 6;
+
+uint16_t ReadU16(const uint8_t* p) { return static_cast<uint16_t>(p[0] | p[1] << 8); }
+uint32_t ReadU32(const uint8_t* p) {
+  return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 |
+         static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[3]) << 24;
+}
+
+// One channel of a bit-field pixel: where its bits are and how to widen them to 8 bits.
+struct ChannelMask {
+  uint32_t mask = 0;
+  int shift = 0;
+  uint32_t maximum = 0;
+
+  explicit ChannelMask(uint32_t m = 0) : mask(m) {
+    if (mask == 0) return;
+    while (!((mask >> shift) & 1)) ++shift;
+    maximum = mask >> shift;
+  }
+  uint8_t extract(uint32_t pixel) const {
+    if (maximum == 0) return 0;
+    uint32_t value = (pixel & mask) >> shift;
+    if (value > maximum) value = maximum;  // masks with holes
+    return static_cast<uint8_t>((static_cast<uint64_t>(value) * 255 + maximum / 2) / maximum);
+  }
+};
+
+struct BmpHeader {
+  uint32_t pixelOffset = 0;
+  uint32_t infoSize = 0;
+  int64_t width = 0;
+  int64_t height = 0;  // positive: rows stored bottom-up
+  bool topDown = false;
+  uint16_t bitsPerPixel = 0;
+  uint32_t compression = kCompressionRGB;
+  uint32_t colorsUsed = 0;
+  std::array<uint32_t, 4> masks{};  // red, green, blue, alpha
+  bool hasMasks = false;
+  double xPixelsPerMetre = 0, yPixelsPerMetre = 0;
+};
+
+class BmpDecoder {
+ public:
+  BmpDecoder(std::span<const uint8_t> bytes, const ImageReadOptions& options)
+      : bytes_(bytes), options_(options) {}
+
+  DecodedImage decode();
+
+ private:
+  bool has(size_t offset, size_t length) const {
+    return offset <= bytes_.size() && length <= bytes_.size() - offset;
+  }
+  std::string readHeader();
+  std::string readPalette();
+  void decodeRows();
+  void decodeRunLengths();
+  void putIndex(int64_t x, int64_t rowFromBottom, unsigned index);
+  // Bitmaps store the top row first.
+  int storageRow(int64_t rowFromBottom) const {
+    return static_cast<int>(header_.height - 1 - rowFromBottom);
+  }
+
+  std::span<const uint8_t> bytes_;
+  const ImageReadOptions& options_;
+  BmpHeader header_;
+  std::vector<Rgba8> palette_;
+  std::shared_ptr<Bitmap> bitmap_;
+  bool truncated_ = false;
+};
+
+std::string BmpDecoder::readHeader() {
+  if (!has(0, kFileHeaderSize + 4) || bytes_[0] != 'B' || bytes_[1] != 'M') {
+    return "missing BMP signature";
+  }
+  header_.pixelOffset = ReadU32(&bytes_[10]);
+  header_.infoSize = ReadU32(&bytes_[14]);
+  const uint8_t* info = &bytes_[kFileHeaderSize];
+  if (header_.infoSize == 12) {  // the old core header: 16-bit sizes
+    if (!has(kFileHeaderSize, 12)) return "header is truncated";
+    header_.width = ReadU16(info + 4);
+    header_.height = static_cast<int16_t>(ReadU16(info + 6));
+    header_.bitsPerPixel = ReadU16(info + 10);
+  } else {
+    if (header_.infoSize < 16 || !has(kFileHeaderSize, header_.infoSize)) {
+      return "header is truncated or has an unknown size";
+    }
+    header_.width = static_cast<int32_t>(ReadU32(info + 4));
+    header_.height = static_cast<int32_t>(ReadU32(info + 8));
+    header_.bitsPerPixel = ReadU16(info + 14);
+    if (header_.infoSize >= 20) header_.compression = ReadU32(info + 16);
+    if (header_.infoSize >= 32) {
+      header_.xPixelsPerMetre = static_cast<int32_t>(ReadU32(info + 24));
+      header_.yPixelsPerMetre = static_cast<int32_t>(ReadU32(info + 28));
+    }
+    if (header_.infoSize >= 36) header_.colorsUsed = ReadU32(info + 32);
+  }
+  if (header_.height < 0) {
+    header_.topDown = true;
+    header_.height = -header_.height;
+  }
+  std::string sizeError = image_decoding::CheckImageSize(
+      static_cast<uint64_t>(std::max<int64_t>(header_.width, 0)),
+      static_cast<uint64_t>(header_.height), options_);
+  if (!sizeError.empty()) return sizeError;
+
+  uint32_t compression = header_.compression;
+  uint16_t bits = header_.bitsPerPixel;
+  bool validDepth = bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
+  if (!validDepth) return "unsupported depth of " + std::to_string(bits) + " bits a pixel";
+  if (compression == kCompressionRLE8 && bits != 8) return "RLE8 data must be 8 bits a pixel";
+  if (compression == kCompressionRLE4 && bits != 4) return "RLE4 data must be 4 bits a pixel";
+  if ((compression == kCompressionRLE8 || compression == kCompressionRLE4) && header_.topDown) {
+    return "run-length data cannot be stored top-down";
+  }
+  bool bitFields = compression == kCompressionBitFields || compression == kCompressionAlphaBitFields;
+  if (bitFields && bits != 16 && bits != 32) return "bit fields need 16 or 32 bits a pixel";
+  if (compression != kCompressionRGB && compression != kCompressionRLE8 &&
+      compression != kCompressionRLE4 && !bitFields) {
+    return "unsupported compression " + std::to_string(compression);
+  }
+
+  if (bitFields) {
+    // Masks sit inside a large header, or right after a 40-byte one.
+    size_t maskCount = compression == kCompressionAlphaBitFields || header_.infoSize >= 56 ? 4 : 3;
+    size_t maskOffset = kFileHeaderSize + 40;
+    if (!has(maskOffset, maskCount * 4)) return "bit-field masks are truncated";
+    for (size_t i = 0; i < maskCount; ++i) header_.masks[i] = ReadU32(&bytes_[maskOffset + i * 4]);
+    header_.hasMasks = true;
+  } else if (bits == 16) {
+    header_.masks = {0x7c00, 0x03e0, 0x001f, 0};
+  } else if (bits == 32) {
+    header_.masks = {0xff0000, 0xff00, 0xff, 0xff000000};
+  }
+  return {};
+}
+
+std::string BmpDecoder::readPalette() {
+  if (header_.bitsPerPixel > 8) return {};
+  size_t entrySize = header_.infoSize == 12 ? 3 : 4;
+  size_t maxEntries = size_t{1} << header_.bitsPerPixel;
+  size_t count = header_.colorsUsed == 0 ? maxEntries
+                                         : std::min<size_t>(header_.colorsUsed, maxEntries);
+  size_t offset = kFileHeaderSize + header_.infoSize;
+  if (header_.compression == kCompressionBitFields) offset += 12;
+  // A palette cut short by the pixel data is read as far as it goes.
+  if (header_.pixelOffset > offset) {
+    count = std::min(count, (header_.pixelOffset - offset) / entrySize);
+  }
+  if (!has(offset, count * entrySize)) return "palette is truncated";
+  for (size_t i = 0; i < count; ++i) {
+    const uint8_t* entry = &bytes_[offset + i * entrySize];
+    palette_.push_back({entry[2], entry[1], entry[0], 255});
+  }
+  if (palette_.empty()) return "palette is empty";
+  return {};
+}
+
+void BmpDecoder::putIndex(int64_t x, int64_t rowFromBottom, unsigned index) {
+  if (x < 0 || x >= header_.width || rowFromBottom < 0 || rowFromBottom >= header_.height) return;
+  // An index past the palette shows black, as common viewers do.
+  Rgba8 color = index < palette_.size() ? palette_[index] : Rgba8{0, 0, 0, 255};
+  bitmap_->setPixelAt(static_cast<int>(x), storageRow(rowFromBottom), color);
+}
+
+void BmpDecoder::decodeRows() {
+  const uint16_t bits = header_.bitsPerPixel;
+  const size_t stride = ((static_cast<size_t>(header_.width) * bits + 31) / 32) * 4;
+  const std::array<ChannelMask, 4> channels{ChannelMask(header_.masks[0]),
+                                            ChannelMask(header_.masks[1]),
+                                            ChannelMask(header_.masks[2]),
+                                            ChannelMask(header_.masks[3])};
+  for (int64_t fileRow = 0; fileRow < header_.height; ++fileRow) {
+    size_t offset = header_.pixelOffset + stride * static_cast<size_t>(fileRow);
+    if (!has(offset, stride)) {
+      truncated_ = true;  // the remaining rows stay transparent
+      return;
+    }
+    const uint8_t* row = &bytes_[offset];
+    int64_t rowFromBottom = header_.topDown ? header_.height - 1 - fileRow : fileRow;
+    int y = storageRow(rowFromBottom);
+    for (int64_t x = 0; x < header_.width; ++x) {
+      if (bits <= 8) {
+        size_t bitOffset = static_cast<size_t>(x) * bits;
+        unsigned byte = row[bitOffset / 8];
+        unsigned index = (byte >> (8 - bits - bitOffset % 8)) & ((1u << bits) - 1);
+        putIndex(x, rowFromBottom, index);
+        continue;
+      }
+      const uint8_t* p = row + static_cast<size_t>(x) * (bits / 8);
+      Rgba8 color;
+      if (bits == 24) {
+        color = {p[2], p[1], p[0], 255};
+      } else {
+        uint32_t pixel = bits == 16 ? ReadU16(p) : ReadU32(p);
+        color = {channels[0].extract(pixel), channels[1].extract(pixel),
+                 channels[2].extract(pixel),
+                 header_.masks[3] ? channels[3].extract(pixel) : uint8_t{255}};
+      }
+      // Straight alpha for now; premultiplied once the alpha is known to be real.
+      bitmap_->setPixelAt(static_cast<int>(x), y, color);
+    }
+  }
+}
+
+void BmpDecoder::decodeRunLengths() {
+  const bool fourBit = header_.compression == kCompressionRLE4;
+  size_t pos = header_.pixelOffset;
+  int64_t x = 0, y = 0;  // y counts rows from the bottom
+  while (y < header_.height) {
+    if (!has(pos, 2)) {
+      truncated_ = true;
+      return;
+    }
+    unsigned count = bytes_[pos], value = bytes_[pos + 1];
+    pos += 2;
+    if (count > 0) {  // a run of one index (RLE4: two alternating indices)
+      for (unsigned i = 0; i < count && x < header_.width; ++i, ++x) {
+        putIndex(x, y, fourBit ? (i % 2 ? value & 0x0f : value >> 4) : value);
+      }
+      continue;
+    }
+    if (value == 0) {  // end of line
+      x = 0;
+      ++y;
+    } else if (value == 1) {  // end of bitmap
+      return;
+    } else if (value == 2) {  // move right and up
+      if (!has(pos, 2)) {
+        truncated_ = true;
+        return;
+      }
+      x += bytes_[pos];
+      y += bytes_[pos + 1];
+      pos += 2;
+    } else {  // `value` literal indices, padded to a 16-bit boundary
+      size_t literalBytes = fourBit ? (value + 1) / 2 : value;
+      if (!has(pos, literalBytes)) {
+        truncated_ = true;
+        return;
+      }
+      for (unsigned i = 0; i < value; ++i, ++x) {
+        unsigned byte = bytes_[pos + (fourBit ? i / 2 : i)];
+        putIndex(x, y, fourBit ? (i % 2 ? byte & 0x0f : byte >> 4) : byte);
+      }
+      pos += (literalBytes + 1) & ~size_t{1};
+    }
+  }
+}
+
+// A 32-bit file whose alpha bytes are all 0 was written by a tool that
+// leaves them unused: show it opaque. Otherwise premultiply the real alpha.
+void FinishAlpha(Bitmap& bitmap) {
+  bool anyAlpha = false;
+  for (int row = 0; row < bitmap.pixelsHigh() && !anyAlpha; ++row) {
+    const uint8_t* p = bitmap.rowAt(row);
+    for (int x = 0; x < bitmap.pixelsWide(); ++x) anyAlpha |= p[x * 4 + Bitmap::kAlpha] != 0;
+  }
+  std::vector<uint8_t> rgba(bitmap.bytesPerRow());
+  for (int row = 0; row < bitmap.pixelsHigh(); ++row) {
+    // The pixels were stored unmultiplied; read them back as-is.
+    bitmap.readRGBARow(row, rgba.data(), AlphaMode::Premultiplied);
+    if (!anyAlpha) {
+      for (size_t i = 3; i < rgba.size(); i += 4) rgba[i] = 255;
+    }
+    bitmap.writeRGBARow(row, rgba.data(), AlphaMode::Straight);
+  }
+}
+
+DecodedImage BmpDecoder::decode() {
+  std::string error = readHeader();
+  if (error.empty()) error = readPalette();
+  if (error.empty() && header_.pixelOffset >= bytes_.size()) error = "pixel data is missing";
+  if (!error.empty()) return Failure(ImageFormat::BMP, error);
+  bitmap_ = Bitmap::create(static_cast<int>(header_.width), static_cast<int>(header_.height));
+  if (!bitmap_) return Failure(ImageFormat::BMP, "out of memory");
+  if (header_.compression == kCompressionRLE8 || header_.compression == kCompressionRLE4) {
+    decodeRunLengths();
+  } else {
+    decodeRows();
+  }
+  if (truncated_) return Failure(ImageFormat::BMP, "pixel data is truncated");
+  if (header_.masks[3] != 0) FinishAlpha(*bitmap_);
+  double metresPerInch = image_decoding::kCentimetresPerInch / 100.0;
+  image_decoding::ApplyResolution(*bitmap_, header_.xPixelsPerMetre * metresPerInch,
+                                  header_.yPixelsPerMetre * metresPerInch);
+  return image_decoding::Success(ImageFormat::BMP, std::move(bitmap_));
+}
+
+}  // namespace
+
+DecodedImage ReadBMP(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+  return BmpDecoder(bytes, options).decode();
+}
+
+}  // namespace paintdoc

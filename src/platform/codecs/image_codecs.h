@@ -1,0 +1,91 @@
+// Reading image files into Bitmaps and writing Bitmaps as PNG or TIFF.
+//
+// Readers take the whole file as bytes, never trust a size or offset in it,
+// refuse images above a pixel limit before allocating their pixels, and answer
+// a clear error instead of a bitmap when the data is malformed. A file's
+// resolution, where it records one, becomes the bitmap's point size.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/values/bitmap.h"
+
+namespace paintdoc {
+
+enum class ImageFormat { Unknown, PNG, JPEG, TIFF, GIF, WebP, BMP };
+
+// "PNG", "JPEG", ... ("unknown" for Unknown).
+const char* ImageFormatName(ImageFormat format);
+// The format told by the file's first bytes (its signature).
+ImageFormat DetectImageFormat(std::span<const uint8_t> bytes);
+
+// 256 megapixels (2^28 pixels: a 16384 × 16384 image just fits).
+inline constexpr uint64_t kDefaultMaxImagePixels = uint64_t{1} << 28;
+
+struct ImageReadOptions {
+  // Images with more pixels than this (width × height, for GIF the logical
+  // screen) are refused before their pixels are decoded.
+  uint64_t maxPixels = kDefaultMaxImagePixels;
+  // Turn JPEG photos upright by their Exif orientation, as viewers show them.
+  bool applyExifOrientation = true;
+};
+
+// The outcome of reading an image: a bitmap, or an error saying what is wrong.
+struct DecodedImage {
+  std::shared_ptr<Bitmap> bitmap;
+  ImageFormat format = ImageFormat::Unknown;
+  std::string error;  // empty on success
+
+  explicit operator bool() const { return bitmap != nullptr; }
+};
+
+// Reads any supported format, told by its signature. GIF and WebP give their
+// first frame.
+DecodedImage ReadImage(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+DecodedImage ReadImageFile(const std::string& path, const ImageReadOptions& options = {});
+
+// One reader a format (the signature is not required to match).
+DecodedImage ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+DecodedImage ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+DecodedImage ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+DecodedImage ReadWebP(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+DecodedImage ReadBMP(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+
+struct PngWriteOptions {
+  // zlib level 0 (none) to 9 (smallest). The default favours speed: previews
+  // are written once and read once.
+  int compressionLevel = 1;
+};
+
+// What a PNG carries besides its pixels.
+struct PngMetadata {
+  // Keep the alpha channel even when every pixel is opaque (thumbnails are
+  // expected to carry full alpha).
+  bool keepAlphaChannel = false;
+  // tEXt entries (keyword, Latin-1 text) written before the pixels.
+  std::vector<std::pair<std::string, std::string>> textEntries;
+};
+
+// PNG bytes of the bitmap (straight alpha; RGB without alpha when every pixel
+// is opaque; the resolution recorded when the point size differs from the
+// pixel size). Empty optional, with `error` set when given, on failure.
+std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap,
+                                             const PngWriteOptions& options = {},
+                                             std::string* error = nullptr);
+// The same with an alpha channel kept on request and text entries.
+std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
+                                             const PngMetadata& metadata,
+                                             std::string* error = nullptr);
+
+// Baseline TIFF bytes as documents embed them: uncompressed, 8-bit RGBA,
+// premultiplied (ExtraSamples = associated alpha), resolution in dots an inch.
+std::optional<std::vector<uint8_t>> WriteTIFF(const Bitmap& bitmap, std::string* error = nullptr);
+
+}  // namespace paintdoc

@@ -1,0 +1,216 @@
+// TIFF reading and writing with libtiff, entirely in memory. Reading goes
+// through libtiff's RGBA interface, which handles every photometric
+// interpretation, bit depth and compression libtiff knows and hands back
+// premultiplied pixels.
+#include <tiffio.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "platform/codecs/image_codecs.h"
+#include "platform/codecs/image_decoding.h"
+
+namespace paintdoc {
+namespace {
+
+using image_decoding::Failure;
+
+// A seekable stream over bytes in memory: read-only over the input, or a
+// growing buffer for output.
+struct MemoryStream {
+  const uint8_t* input = nullptr;
+  std::vector<uint8_t>* output = nullptr;
+  uint64_t size = 0;
+  uint64_t position = 0;
+  std::string firstError;
+};
+
+tmsize_t ReadStream(thandle_t handle, void* buffer, tmsize_t length) {
+  auto* stream = static_cast<MemoryStream*>(handle);
+  if (length < 0 || stream->position >= stream->size) return 0;
+  uint64_t available = stream->size - stream->position;
+  uint64_t count = std::min<uint64_t>(available, static_cast<uint64_t>(length));
+  const uint8_t* source = stream->input ? stream->input : stream->output->data();
+  std::memcpy(buffer, source + stream->position, count);
+  stream->position += count;
+  return static_cast<tmsize_t>(count);
+}
+
+tmsize_t WriteStream(thandle_t handle, void* buffer, tmsize_t length) {
+  auto* stream = static_cast<MemoryStream*>(handle);
+  if (!stream->output || length < 0) return -1;
+  uint64_t end = stream->position + static_cast<uint64_t>(length);
+  if (end > stream->output->size()) stream->output->resize(end);
+  std::memcpy(stream->output->data() + stream->position, buffer, static_cast<size_t>(length));
+  stream->position = end;
+  stream->size = stream->output->size();
+  return length;
+}
+
+toff_t SeekStream(thandle_t handle, toff_t offset, int whence) {
+  auto* stream = static_cast<MemoryStream*>(handle);
+  uint64_t base = whence == SEEK_CUR ? stream->position : whence == SEEK_END ? stream->size : 0;
+  uint64_t target = base + offset;
+  if (target < base) return static_cast<toff_t>(-1);  // wrapped around
+  // Writers may seek past the end and write there; readers just read nothing.
+  stream->position = target;
+  return target;
+}
+
+int CloseStream(thandle_t) { return 0; }
+toff_t StreamSize(thandle_t handle) { return static_cast<MemoryStream*>(handle)->size; }
+int MapStream(thandle_t, void**, toff_t*) { return 0; }
+void UnmapStream(thandle_t, void*, toff_t) {}
+
+int OnTiffError(TIFF*, void* userData, const char* module, const char* format, va_list args) {
+  auto* stream = static_cast<MemoryStream*>(userData);
+  if (stream->firstError.empty()) {
+    char text[512];
+    std::vsnprintf(text, sizeof text, format, args);
+    stream->firstError = module ? std::string(module) + ": " + text : std::string(text);
+  }
+  return 1;  // handled: keep libtiff from printing to stderr
+}
+
+int OnTiffWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+// Opens a TIFF session on the stream with our error handlers and an upper
+// bound on libtiff's single allocations.
+TIFF* OpenTiff(MemoryStream& stream, const char* mode, tmsize_t maxSingleAllocation) {
+  TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
+  if (!options) return nullptr;
+  TIFFOpenOptionsSetMaxSingleMemAlloc(options, maxSingleAllocation);
+  TIFFOpenOptionsSetErrorHandlerExtR(options, OnTiffError, &stream);
+  TIFFOpenOptionsSetWarningHandlerExtR(options, OnTiffWarning, &stream);
+  TIFF* tiff = TIFFClientOpenExt("memory", mode, &stream, ReadStream, WriteStream, SeekStream,
+                                 CloseStream, StreamSize, MapStream, UnmapStream, options);
+  TIFFOpenOptionsFree(options);
+  return tiff;
+}
+
+struct TiffCloser {
+  void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffPtr = std::unique_ptr<TIFF, TiffCloser>;
+
+std::string TiffReason(const MemoryStream& stream, const char* fallback) {
+  return stream.firstError.empty() ? fallback : "malformed data (" + stream.firstError + ")";
+}
+
+void ApplyTiffResolution(TIFF* tiff, Bitmap& bitmap) {
+  float xResolution = 0, yResolution = 0;
+  uint16_t unit = RESUNIT_INCH;
+  if (!TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &xResolution) ||
+      !TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &yResolution)) {
+    return;
+  }
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
+  double scale = unit == RESUNIT_INCH ? 1.0
+                 : unit == RESUNIT_CENTIMETER ? image_decoding::kCentimetresPerInch
+                                              : 0.0;  // no absolute unit
+  image_decoding::ApplyResolution(bitmap, xResolution * scale, yResolution * scale);
+}
+
+// The RGBA interface writes packed 32-bit words R | G << 8 | B << 16 | A << 24,
+// premultiplied, top row first when asked for ORIENTATION_TOPLEFT.
+void StoreTiffRaster(const std::vector<uint32_t>& raster, Bitmap& bitmap) {
+  std::vector<uint8_t> row(bitmap.bytesPerRow());
+  size_t width = static_cast<size_t>(bitmap.pixelsWide());
+  for (int y = 0; y < bitmap.pixelsHigh(); ++y) {
+    const uint32_t* words = raster.data() + width * static_cast<size_t>(y);
+    for (size_t x = 0; x < width; ++x) {
+      row[x * 4 + 0] = static_cast<uint8_t>(TIFFGetR(words[x]));
+      row[x * 4 + 1] = static_cast<uint8_t>(TIFFGetG(words[x]));
+      row[x * 4 + 2] = static_cast<uint8_t>(TIFFGetB(words[x]));
+      row[x * 4 + 3] = static_cast<uint8_t>(TIFFGetA(words[x]));
+    }
+    bitmap.writeRGBARow(y, row.data(), AlphaMode::Premultiplied);
+  }
+}
+
+constexpr tmsize_t kMaxTiffAllocation = tmsize_t{256} << 20;
+
+}  // namespace
+
+DecodedImage ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+  MemoryStream stream;
+  stream.input = bytes.data();
+  stream.size = bytes.size();
+  // "m": never memory-map (the stream has no file behind it).
+  TiffPtr tiff(OpenTiff(stream, "rm", kMaxTiffAllocation));
+  if (!tiff) return Failure(ImageFormat::TIFF, TiffReason(stream, "not a TIFF file"));
+
+  uint32_t width = 0, height = 0;
+  TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
+  TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
+  std::string sizeError = image_decoding::CheckImageSize(width, height, options);
+  if (!sizeError.empty()) return Failure(ImageFormat::TIFF, sizeError);
+  char why[1024] = {};
+  if (!TIFFRGBAImageOK(tiff.get(), why)) {
+    return Failure(ImageFormat::TIFF, std::string("unsupported layout (") + why + ")");
+  }
+  auto bitmap = Bitmap::create(static_cast<int>(width), static_cast<int>(height));
+  std::vector<uint32_t> raster;
+  if (bitmap) raster.resize(static_cast<size_t>(width) * height);
+  if (!bitmap) return Failure(ImageFormat::TIFF, "out of memory");
+  if (!TIFFReadRGBAImageOriented(tiff.get(), width, height, raster.data(), ORIENTATION_TOPLEFT,
+                                 /*stop_on_error=*/1)) {
+    return Failure(ImageFormat::TIFF, TiffReason(stream, "could not decode the pixels"));
+  }
+  StoreTiffRaster(raster, *bitmap);
+  ApplyTiffResolution(tiff.get(), *bitmap);
+  return image_decoding::Success(ImageFormat::TIFF, std::move(bitmap));
+}
+
+namespace {
+
+bool WriteTiffDirectory(TIFF* tiff, const Bitmap& bitmap) {
+  uint16_t extraSamples[] = {EXTRASAMPLE_ASSOCALPHA};
+  Size points = bitmap.size();
+  bool ok = TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(bitmap.pixelsWide())) &&
+            TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(bitmap.pixelsHigh())) &&
+            TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8) &&
+            TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 4) &&
+            TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, extraSamples) &&
+            TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB) &&
+            TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+            TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) &&
+            TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) &&
+            TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0)) &&
+            TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 72.0f * bitmap.pixelsWide() / points.width) &&
+            TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 72.0f * bitmap.pixelsHigh() / points.height) &&
+            TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+  if (!ok) return false;
+  std::vector<uint8_t> row(bitmap.bytesPerRow());
+  for (int y = 0; y < bitmap.pixelsHigh(); ++y) {
+    bitmap.readRGBARow(y, row.data(), AlphaMode::Premultiplied);
+    if (TIFFWriteScanline(tiff, row.data(), static_cast<uint32_t>(y), 0) != 1) return false;
+  }
+  return TIFFWriteDirectory(tiff) == 1;
+}
+
+}  // namespace
+
+std::optional<std::vector<uint8_t>> WriteTIFF(const Bitmap& bitmap, std::string* error) {
+  if (bitmap.isEmpty()) {
+    if (error) *error = "cannot write an empty bitmap as TIFF";
+    return std::nullopt;
+  }
+  std::vector<uint8_t> output;
+  output.reserve(bitmap.byteCount() + 4096);
+  MemoryStream stream;
+  stream.output = &output;
+  TIFF* tiff = OpenTiff(stream, "w", std::numeric_limits<tmsize_t>::max());
+  bool written = tiff && WriteTiffDirectory(tiff, bitmap);
+  if (tiff) TIFFClose(tiff);  // flushes the directory
+  if (!written) {
+    if (error) *error = "TIFF encoding failed" + (stream.firstError.empty() ? std::string() : ": " + stream.firstError);
+    return std::nullopt;
+  }
+  return output;
+}
+
+}  // namespace paintdoc

@@ -1,0 +1,36 @@
+#include "raster/draw_image.h"
+
+#include <cmath>
+
+#include "platform/values/bitmap.h"
+#include "platform/graphics/graphics_context.h"
+
+namespace paintdoc {
+
+std::shared_ptr<DrawImage> DrawImage::withImage(std::shared_ptr<Bitmap> image) {
+  if (!image) return nullptr;
+  auto draw = MakeDraw<DrawImage>();
+  draw->setBezierPathWithBounds(MakeRect(0, 0, image->pixelsWide(), image->pixelsHigh()));
+  draw->bezierPath_->setLineWidth(0);
+  draw->image_ = std::move(image);
+  return draw;
+}
+
+void DrawImage::_draw() {
+  GraphicsContext* context = GraphicsContext::current();
+  if (context == nullptr || !image_) return;
+  context->saveGraphicsState();
+  context->setShouldAntialias(true);
+  context->setCompositingOperation(CompositingOperation::SourceOver);
+  context->setImageInterpolation(ImageInterpolation::High);
+  if (bEnableShadow_ && shadow_) context->setShadow(shadow_);
+  context->concat(transform());
+  // The origin snaps to whole units so that an unscaled image stays crisp.
+  Rect destination = pathBounds();
+  destination.origin.x = std::trunc(destination.origin.x + 0.5);
+  destination.origin.y = std::trunc(destination.origin.y + 0.5);
+  context->drawBitmap(*image_, destination, ZeroRect(), CompositingOperation::SourceOver, 1.0);
+  context->restoreGraphicsState();
+}
+
+}  // namespace paintdoc
