@@ -24,20 +24,24 @@ constexpr int kDefaultThumbnailSize = 256;
 struct Drawn {
   std::shared_ptr<Bitmap> bitmap;
   std::string failure;
+  // The content's pixel size at full size, whatever size it was drawn at.
+  PixelSize fullSize;
 };
 
-Drawn DrawFile(const std::string& path, PreviewKind kind) {
+// `fitInto` above 0 draws a thumbnail that fits a square of that many pixels.
+Drawn DrawFile(const std::string& path, PreviewKind kind, int fitInto = 0) {
   BitmapPreviewRequest request;
-  const PreviewOutcome outcome = DrawPreviewSource(request, ReadPreviewSource(path, kind));
-  if (!outcome.drawn) return {nullptr, path + ": " + outcome.diagnosis};
+  const PreviewSource source = ReadPreviewSource(path, kind);
+  const PreviewOutcome outcome = DrawPreviewSource(request, source, fitInto);
+  if (!outcome.drawn) return {nullptr, path + ": " + outcome.diagnosis, {}};
   const std::shared_ptr<Bitmap>& bitmap = request.flushedContext();
   if (!bitmap || bitmap->isEmpty()) {
     const int wide = bitmap ? bitmap->pixelsWide() : 0;
     const int high = bitmap ? bitmap->pixelsHigh() : 0;
     return {nullptr, path + ": nothing to draw: the content is " + std::to_string(wide) + " x " +
-                         std::to_string(high) + " pixels"};
+                         std::to_string(high) + " pixels", {}};
   }
-  return {bitmap, ""};
+  return {bitmap, "", ContentPixelSize(source.contentSize)};
 }
 
 // Writes the PNG, leaving no file behind when that fails.
@@ -115,27 +119,17 @@ int RunThumbnail(const Arguments& arguments) {
     Complain("thumbnail needs FILE and OUT.png");
     return kExitUsage;
   }
-  const Drawn drawn = DrawFile(paths[0], PreviewKind::Thumbnail);
+  // Drawn at the thumbnail's own size: no full-size picture is ever made.
+  const Drawn drawn = DrawFile(paths[0], PreviewKind::Thumbnail, size);
   if (!drawn.bitmap) {
     Complain(drawn.failure);
     return kExitRefused;
   }
-  const Bitmap& full = *drawn.bitmap;
-  const PixelSize fitted = FitIntoSquare(full.pixelsWide(), full.pixelsHigh(), size);
-  std::shared_ptr<Bitmap> thumbnail = drawn.bitmap;
-  if (fitted.width != full.pixelsWide() || fitted.height != full.pixelsHigh()) {
-    thumbnail = ScaleBitmapByArea(full, fitted.width, fitted.height);
-    if (!thumbnail) {
-      Complain(paths[0] + ": no thumbnail of " + std::to_string(fitted.width) + " x " +
-               std::to_string(fitted.height) + " could be made");
-      return kExitRefused;
-    }
-  }
   PngMetadata metadata;
   metadata.keepAlphaChannel = true;
-  metadata.textEntries = {{"Thumb::Image::Width", std::to_string(full.pixelsWide())},
-                          {"Thumb::Image::Height", std::to_string(full.pixelsHigh())}};
-  return WritePng(*thumbnail, paths[1], metadata);
+  metadata.textEntries = {{"Thumb::Image::Width", std::to_string(drawn.fullSize.width)},
+                          {"Thumb::Image::Height", std::to_string(drawn.fullSize.height)}};
+  return WritePng(*drawn.bitmap, paths[1], metadata);
 }
 
 }  // namespace paintdoc::cli

@@ -56,6 +56,8 @@ class PaintManager : public Codable {
   bool initWithCoder(KeyedUnarchiver& coder) override;
 
   Size canvasSize() const { return size_; }
+  // The whole canvas: the origin and canvasSize().
+  Rect canvasRect() const;
   // Rounds each side to the nearest integer, halves away from zero. The
   // draws and the caches are left alone; callers that resize drop the caches.
   void setSize(Size size);
@@ -80,7 +82,8 @@ class PaintManager : public Codable {
   //
   // Two caches make editing the top layer cheap: imageBuffer_ holds every
   // draw but the top one, image_ is that buffer with the top draw painted
-  // over it. Each layer is painted with its drawInImage().
+  // over it. Both are painted through CanvasRenderer at full size; previews
+  // use CanvasRenderer directly, without the caches.
 
   // The composed canvas bitmap: image_ as it is when both caches exist, else
   // after refreshImage(). Null only when a bitmap of the canvas size cannot
@@ -110,10 +113,6 @@ class PaintManager : public Codable {
 
  private:
   std::shared_ptr<Bitmap> makeCanvasBitmap() const;
-  // Paints a visible draw into the bitmap on which focus is locked.
-  static void paintDraw(const std::shared_ptr<DrawBase>& draw, const std::shared_ptr<Bitmap>& into);
-  void paintBufferDraws();
-  void maskWithBackground(GraphicsContext& context);
   // The top-level group holding `draw` as a member, or null.
   std::shared_ptr<DrawGroup> topLevelGroupHolding(const std::shared_ptr<DrawBase>& draw) const;
   // ---- end of composition ----

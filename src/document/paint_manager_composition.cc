@@ -5,6 +5,7 @@
 #include <cstring>
 #include <unordered_set>
 
+#include "document/canvas_renderer.h"
 #include "document/paint_manager.h"
 #include "raster/draw_image.h"
 #include "platform/values/bitmap.h"
@@ -53,64 +54,29 @@ std::shared_ptr<Bitmap> PaintManager::makeCanvasBitmap() const {
   return InitImageRep(size_.width, size_.height);
 }
 
-void PaintManager::paintDraw(const std::shared_ptr<DrawBase>& draw,
-                             const std::shared_ptr<Bitmap>& into) {
-  if (draw && draw->visible()) draw->drawInImage(into);
-}
-
 std::shared_ptr<Bitmap> PaintManager::image() {
   if (!image_ || !imageBuffer_) refreshImage();
   return image_;
 }
 
+Rect PaintManager::canvasRect() const { return MakeRect(0, 0, size_.width, size_.height); }
+
 void PaintManager::refreshImage() {
   if (!imageBuffer_) {
     imageBuffer_ = makeCanvasBitmap();
-    paintBufferDraws();
+    // Every draw but the top one.
+    if (imageBuffer_ && aryDraw_.size() >= 2) {
+      CanvasRenderer(*this, imageBuffer_, canvasRect()).paintDraws(0, aryDraw_.size() - 1);
+    }
   }
   if (!image_) image_ = makeCanvasBitmap();
   if (!image_) return;
 
   if (imageBuffer_) ReplacePixels(image_, *imageBuffer_);
-  BitmapFocus focus(image_);
-  focus.context().setCompositingOperation(CompositingOperation::SourceOver);
+  CanvasRenderer renderer(*this, image_, canvasRect());
   // With a single draw in the list, this is the only place it is painted.
-  if (!aryDraw_.empty()) paintDraw(std::shared_ptr<DrawBase>(aryDraw_.back()), image_);
-  maskWithBackground(focus.context());
-}
-
-void PaintManager::paintBufferDraws() {
-  if (!imageBuffer_ || aryDraw_.size() < 2) return;
-  BitmapFocus focus(imageBuffer_);
-  focus.context().setCompositingOperation(CompositingOperation::SourceOver);
-  // The count is read again after every draw: painting must not run past a
-  // list that changed meanwhile. Each draw is held while it paints.
-  for (size_t index = 0; index + 1 < aryDraw_.size(); ++index) {
-    paintDraw(std::shared_ptr<DrawBase>(aryDraw_[index]), imageBuffer_);
-  }
-}
-
-void PaintManager::maskWithBackground(GraphicsContext& context) {
-  if (!drawBackground_ || !bMaskWithBackground_) return;
-  const std::shared_ptr<Bitmap>& mask = drawBackground_->image();
-  // Without pixels there is nothing to mask with; the picture stays as it is.
-  if (!mask) return;
-  // The background's own rotation is left out here.
-  const Rect maskRect = drawBackground_->controlBoundsBeforeRotation();
-  context.saveGraphicsState();
-  context.setCompositingOperation(CompositingOperation::DestinationIn);
-  context.drawImage(*mask, maskRect);
-  // An image draw changes only its own rectangle; the picture outside the
-  // background is cleared explicitly, so that only the background's area
-  // remains.
-  BezierPath outside = BezierPath::withRect(MakeRect(0, 0, image_->size().width,
-                                                     image_->size().height));
-  outside.appendRect(maskRect);
-  context.clip(outside, WindingRule::EvenOdd);
-  context.setFillColor(Color::clearColor());
-  context.fillRect(MakeRect(0, 0, image_->size().width, image_->size().height),
-                   CompositingOperation::Copy);
-  context.restoreGraphicsState();
+  if (!aryDraw_.empty()) renderer.paintDraws(aryDraw_.size() - 1, aryDraw_.size());
+  renderer.maskWithBackground();
 }
 
 void PaintManager::clearMemeryBuffer() {
@@ -205,9 +171,7 @@ bool PaintManager::addDraw(std::shared_ptr<DrawBase> draw) {
   // The present top draw is about to join the layers below the top: paint it
   // into the buffer now instead of rebuilding the buffer later.
   if (!aryDraw_.empty() && imageBuffer_) {
-    BitmapFocus focus(imageBuffer_);
-    focus.context().setCompositingOperation(CompositingOperation::SourceOver);
-    paintDraw(std::shared_ptr<DrawBase>(aryDraw_.back()), imageBuffer_);
+    CanvasRenderer(*this, imageBuffer_, canvasRect()).paintDraws(aryDraw_.size() - 1, aryDraw_.size());
   }
   aryDraw_.push_back(std::move(draw));
   image_.reset();

@@ -92,20 +92,17 @@ Rect TransformedBounds(const Rect& rect, const AffineTransform& transform) {
 // as one object. Around a single fill, narrowing the clip to what the fill and
 // its shadow can reach keeps both small without changing a pixel: the layer
 // is transparent everywhere else, and a source-over composite of nothing
-// leaves the destination as it is. `bounds` is in user space; shadow offset
-// and blur are in device pixels.
+// leaves the destination as it is. `bounds` is in user space; the shadow's
+// offset is in default user space, its blur reaches a number of device pixels.
 void ClipToFillAndItsShadow(GraphicsContext& context, const Rect& bounds, const Shadow& shadow) {
-  const std::shared_ptr<Bitmap>& bitmap = context.bitmap();
-  if (!bitmap || bitmap->isEmpty()) return;
-  const double pointsPerPixel = std::max(bitmap->size().width / bitmap->pixelsWide(),
-                                         bitmap->size().height / bitmap->pixelsHigh());
+  const double scale = context.deviceScale();
+  if (!(scale > 0)) return;
   const AffineTransform toDefault = context.currentTransform();
   const Rect fill = TransformedBounds(bounds, toDefault);
   const Size offset = shadow.shadowOffset();
   const double reach =
-      (GaussianBlurReach(ShadowBlurSigma(shadow.shadowBlurRadius())) + 2) * pointsPerPixel;
-  Rect affected = RectUnion(fill, RectOffset(fill, offset.width * pointsPerPixel,
-                                             offset.height * pointsPerPixel));
+      (GaussianBlurReach(ShadowBlurSigma(shadow.shadowBlurRadius()) * scale) + 2) / scale;
+  Rect affected = RectUnion(fill, RectOffset(fill, offset.width, offset.height));
   affected = RectInset(affected, -reach, -reach);
   context.clipToRect(TransformedBounds(affected, toDefault.inverted()));
 }
@@ -242,6 +239,8 @@ void DrawBase::_draw() {
   const bool stroked = drawStroke();
   const bool filled = drawFill();
   // Odd widths are moved onto pixel centres so that their lines stay crisp.
+  // The shift is half a canvas unit, in user space: drawn at another scale,
+  // the line moves with the picture rather than by half a device pixel.
   if (stroked && IsOddWidth(outline.lineWidth())) context->translate(0.5, 0.5);
   if (filled) PaintFill(*context, *this, outline);
   if (stroked) PaintStroke(*context, *this, outline, filled);

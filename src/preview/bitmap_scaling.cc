@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <vector>
 
 #include "platform/values/bitmap.h"
@@ -85,6 +86,21 @@ PixelSize FitIntoSquare(int width, int height, int box) {
   const double scale = static_cast<double>(box) / std::max(width, height);
   return {std::max(1, static_cast<int>(std::lround(width * scale))),
           std::max(1, static_cast<int>(std::lround(height * scale)))};
+}
+
+std::optional<BitmapDifference> CompareBitmaps(const Bitmap& a, const Bitmap& b) {
+  if (a.pixelsWide() != b.pixelsWide() || a.pixelsHigh() != b.pixelsHigh()) return std::nullopt;
+  BitmapDifference difference;
+  if (a.isEmpty()) return difference;
+  uint64_t total = 0;
+  const size_t bytes = a.byteCount();
+  for (size_t i = 0; i < bytes; ++i) {
+    const int delta = std::abs(int(a.data()[i]) - int(b.data()[i]));
+    total += static_cast<uint64_t>(delta);
+    difference.max = std::max(difference.max, delta);
+  }
+  difference.mean = static_cast<double>(total) / static_cast<double>(bytes);
+  return difference;
 }
 
 }  // namespace paintdoc

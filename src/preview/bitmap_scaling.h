@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "platform/values/geometry.h"
 
@@ -23,5 +24,16 @@ struct PixelSize {
   friend bool operator==(const PixelSize&, const PixelSize&) = default;
 };
 PixelSize FitIntoSquare(int width, int height, int box);
+
+// How far two bitmaps of one pixel size are apart, over every channel of
+// every pixel (premultiplied bytes): the mean and the largest difference. A
+// thumbnail drawn at its own size is held against the full-size picture
+// resampled by area with it.
+struct BitmapDifference {
+  double mean = 0;
+  int max = 0;
+};
+// Nothing for bitmaps of different sizes.
+std::optional<BitmapDifference> CompareBitmaps(const Bitmap& a, const Bitmap& b);
 
 }  // namespace paintdoc

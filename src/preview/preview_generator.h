@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "preview/bitmap_scaling.h"
 #include "preview/preview_source.h"
 
 namespace paintdoc {
@@ -25,7 +26,17 @@ struct PreviewOutcome {
 PreviewOutcome GeneratePreviewForFile(PreviewRequest& request, const std::string& path,
                                       PreviewKind kind, const PreviewLimits& limits = {});
 
-// Drawing content already read into a context of the request.
-PreviewOutcome DrawPreviewSource(PreviewRequest& request, const PreviewSource& source);
+// Drawing content already read into a context of the request: a context of
+// the content's size, or, with `fitInto` above 0, of the largest size that
+// fits the content into a square of `fitInto` pixels without enlarging it.
+// The canvas is then drawn at that scale straight into the context, an image
+// resampled into it by area: what a thumbnail tool wants. The plug-in's entry
+// points always draw at the content's size, since their host scales.
+PreviewOutcome DrawPreviewSource(PreviewRequest& request, const PreviewSource& source,
+                                 int fitInto = 0);
+
+// The context's pixel size for content of `size` points: each side rounded to
+// the nearest whole pixel, as BitmapPreviewRequest makes it.
+PixelSize ContentPixelSize(Size size);
 
 }  // namespace paintdoc

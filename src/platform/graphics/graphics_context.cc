@@ -371,17 +371,27 @@ void GraphicsContext::noteLayerInk(const Rect& devicePixels) {
   }
 }
 
+double GraphicsContext::deviceScale() const {
+  // The base transform scales each axis by pixels over points; a fitted
+  // bitmap can differ a little between the axes, so take their mean.
+  return std::sqrt(std::abs(base_.xx * base_.yy - base_.xy * base_.yx));
+}
+
 Rect GraphicsContext::drawShadow(const Primitive& primitive) {
   const Shadow& shadow = *state().shadow;
   Color color = shadow.shadowColor();
+  const double scale = deviceScale();
   Size offset = shadow.shadowOffset();
+  offset.width *= scale;
+  offset.height *= scale;
   double blur = shadow.shadowBlurRadius();
   if (!(color.alphaComponent() > 0) || state().alpha <= 0) return ZeroRect();
   if (!std::isfinite(offset.width) || !std::isfinite(offset.height) || !std::isfinite(blur)) {
     return ZeroRect();
   }
   if (offset.width == 0 && offset.height == 0 && blur <= 0) return ZeroRect();
-  double sigma = std::min(ShadowBlurSigma(blur), kMaxShadowSigma);
+  // The blur of the picture at full size, shrunk with it.
+  double sigma = std::min(ShadowBlurSigma(blur) * scale, kMaxShadowSigma);
   std::optional<ShadowMask> mask = RenderShadowMask(cr_, primitive, sigma, offset);
   if (!mask) return ZeroRect();
   MaskPrimitive shadowPrimitive(*mask, color, primitive.isLayer());

@@ -16,7 +16,8 @@
 //
 // User space has its origin at the lower left of the bitmap, y up, one unit a
 // point (a pixel unless the bitmap carries a resolution). Shadow offsets and
-// blur are in device pixels, y up, whatever the transform.
+// blur are in default user-space units scaled by deviceScale(), y up, whatever
+// the current transform.
 //
 // Where cairo's semantics differ from the platform's, the platform's win:
 // - Porter-Duff operations act only where the drawn shape covers (the
@@ -92,6 +93,13 @@ class GraphicsContext {
   void translate(double dx, double dy);
   // The transform from user space to the context's default user space.
   AffineTransform currentTransform() const;
+  // Device pixels per unit of the default user space: 1 for a bitmap whose
+  // point size is its pixel size, the scale for a bitmap that shows a larger
+  // area in fewer pixels (a thumbnail). Shadow offsets and blur radii are
+  // multiplied by it, so that a picture drawn at any scale keeps its shadows
+  // where they fall at full size; drawing code that works in device pixels
+  // asks for it rather than for the bitmap.
+  double deviceScale() const;
 
   // Intersects the clip with the path's interior by its own winding rule (or
   // the given one), antialiased when antialiasing is on.
