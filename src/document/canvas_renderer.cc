@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "document/paint_manager.h"
+#include "platform/graphics/graphics_guards.h"
 #include "platform/values/bitmap.h"
 #include "raster/draw_image.h"
 
@@ -56,7 +57,7 @@ void CanvasRenderer::maskWithBackground() {
   GraphicsContext& context = *GraphicsContext::current();
   // The background's own rotation is left out here.
   const Rect maskRect = background->controlBoundsBeforeRotation();
-  context.saveGraphicsState();
+  GraphicsStateGuard saved(context);
   context.setCompositingOperation(CompositingOperation::DestinationIn);
   context.drawImage(*mask, maskRect);
   // An image draw changes only its own rectangle; the picture outside the
@@ -67,7 +68,6 @@ void CanvasRenderer::maskWithBackground() {
   context.clip(outside, WindingRule::EvenOdd);
   context.setFillColor(Color::clearColor());
   context.fillRect(area_, CompositingOperation::Copy);
-  context.restoreGraphicsState();
 }
 
 bool CanvasRenderer::failed() const { return !failure().empty(); }

@@ -36,6 +36,7 @@ namespace paintdoc {
 
 class Bitmap;
 class CanvasView;
+class GraphicsContext;
 class DrawGroup;
 
 // --- Process-wide drawing constants, set once by DrawBase::initialize().
@@ -144,6 +145,9 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   // Paints the mirrored, fading reflection below the draw, then the draw
   // itself with _draw(). Selection tools and empty outlines paint nothing.
   virtual void draw();
+  // The reflection alone: the draw mirrored about its bottom edge, moved
+  // down by the reflection distance and faded, without its shadow.
+  void drawReflection(GraphicsContext& context);
   // The bounds of the rotated outline, widened by half the line width when
   // stroked; the zero rectangle for an empty outline.
   virtual Rect drawRect() const;

@@ -8,10 +8,12 @@
 
 #include "draws/canvas_view.h"
 #include "draws/draw_base.h"
+#include "platform/graphics/bitmap_functions.h"
 #include "platform/graphics/gaussian_blur.h"
 #include "platform/graphics/graphics_context.h"
+#include "platform/graphics/graphics_guards.h"
 #include "platform/values/log.h"
-#include "platform/graphics/bitmap_functions.h"
+#include "platform/values/scoped_value.h"
 
 namespace paintdoc {
 
@@ -137,20 +139,28 @@ void PaintGradientFill(GraphicsContext& context, const DrawBase& draw, const Bez
 void PaintInnerShadow(GraphicsContext& context, const Shadow& innerShadow,
                       const BezierPath& path, const Rect& bounds) {
   const Color color = innerShadow.shadowColor();
-  context.saveGraphicsState();
+  GraphicsStateGuard saved(context);
   context.clipToRect(bounds);
   context.setAlpha(color.alphaComponent());
-  context.beginTransparencyLayer();
+  TransparencyLayerGuard outer(context);
   const Shadow opaqueShadow(color.withAlphaComponent(1.0), innerShadow.shadowOffset(),
                             innerShadow.shadowBlurRadius());
   context.setShadow(opaqueShadow);
   context.setBlendMode(BlendMode::SourceOut);
-  context.beginTransparencyLayer();
+  TransparencyLayerGuard inner(context);
   context.setFillColor(opaqueShadow.shadowColor());
   context.fill(path);
-  context.endTransparencyLayer();
-  context.endTransparencyLayer();
-  context.restoreGraphicsState();
+}
+
+// The gradient fill with the drop shadow it casts as one object: inside a
+// layer the gradient's many pieces cast one shadow together, and around that
+// layer the clip is narrowed to what the fill and its shadow can reach.
+void PaintShadowedGradientFill(GraphicsContext& context, const DrawBase& draw,
+                               const BezierPath& outline, float angle) {
+  GraphicsStateGuard saved(context);
+  if (!draw.copyWhenComposite()) ClipToFillAndItsShadow(context, outline.bounds(), *draw.shadow());
+  TransparencyLayerGuard layer(context);
+  PaintGradientFill(context, draw, outline, 1.0f, angle);
 }
 
 // Fill, its drop shadow and the inner shadow.
@@ -159,19 +169,12 @@ void PaintFill(GraphicsContext& context, const DrawBase& draw, const BezierPath&
   const Rect bounds = outline.bounds();
   if (shadowApplies) context.setShadow(draw.shadow());
   if (draw.fillWithGradient()) {
-    if (draw.fillGradient()) {
-      // Inside a layer the gradient's many pieces cast one shadow together.
-      const bool narrowLayer = shadowApplies && !draw.copyWhenComposite();
-      if (narrowLayer) {
-        context.saveGraphicsState();
-        ClipToFillAndItsShadow(context, bounds, *draw.shadow());
-      }
-      if (shadowApplies) context.beginTransparencyLayer();
-      // The gradient turns with the shape.
-      PaintGradientFill(context, draw, outline, 1.0f,
-                        static_cast<float>(draw.fillGradientDegree() + draw.rotateDegree()));
-      if (shadowApplies) context.endTransparencyLayer();
-      if (narrowLayer) context.restoreGraphicsState();
+    // The gradient turns with the shape.
+    const float angle = static_cast<float>(draw.fillGradientDegree() + draw.rotateDegree());
+    if (draw.fillGradient() && shadowApplies) {
+      PaintShadowedGradientFill(context, draw, outline, angle);
+    } else if (draw.fillGradient()) {
+      PaintGradientFill(context, draw, outline, 1.0f, angle);
     }
   } else {
     // A draw that replaces pixels fills even without a colour of its own,
@@ -195,13 +198,14 @@ void PaintStroke(GraphicsContext& context, const DrawBase& draw, const BezierPat
   context.setShouldAntialias(draw.shouldAntialias());
   if (draw.strokeColor()) context.setStrokeColor(*draw.strokeColor());
   if (shadowApplies && filled) {
-    context.saveGraphicsState();
-    context.setShadow(draw.shadow());
-    BezierPath outside = BezierPath::withRect(draw.renderedRect());
-    outside.appendPath(outline);
-    context.clip(outside, WindingRule::EvenOdd);
-    context.stroke(outline);
-    context.restoreGraphicsState();
+    {
+      GraphicsStateGuard saved(context);
+      context.setShadow(draw.shadow());
+      BezierPath outside = BezierPath::withRect(draw.renderedRect());
+      outside.appendPath(outline);
+      context.clip(outside, WindingRule::EvenOdd);
+      context.stroke(outline);
+    }
     context.stroke(outline);
     return;
   }
@@ -231,7 +235,7 @@ void DrawBase::_draw() {
   GraphicsContext* context = CurrentContextOrLog("drawing a layer");
   if (context == nullptr) return;
 
-  context->saveGraphicsState();
+  GraphicsStateGuard saved(*context);
   context->setCompositingOperation(copyWhenComposite() ? CompositingOperation::Copy
                                                        : CompositingOperation::SourceOver);
   context->setShouldAntialias(true);
@@ -244,7 +248,6 @@ void DrawBase::_draw() {
   if (stroked && IsOddWidth(outline.lineWidth())) context->translate(0.5, 0.5);
   if (filled) PaintFill(*context, *this, outline);
   if (stroked) PaintStroke(*context, *this, outline, filled);
-  context->restoreGraphicsState();
 }
 
 void DrawBase::draw() {
@@ -252,38 +255,36 @@ void DrawBase::draw() {
   if (ReflectionApplies(*this)) {
     GraphicsContext* context = CurrentContextOrLog("drawing a layer");
     if (context == nullptr) return;
-    const bool shadowWasEnabled = bEnableShadow_;
-    bEnableShadow_ = false;
-
-    Rect reflection = drawRect();
-    context->saveGraphicsState();
-    // Mirror about the bottom edge, then move down by the distance.
-    const float distance = ReflectionDistance(*this);
-    AffineTransform mirror = AffineTransform::scaling(1, -1);
-    mirror.append(AffineTransform::translation(0, 2 * reflection.origin.y - distance));
-    context->concat(mirror);
-    // In the mirrored space the clip runs from the bottom edge downwards.
-    reflection.size.height *= std::min(fReflection_, 1.0f);
-    context->clipToRect(reflection);
-
-    context->beginTransparencyLayer();
-    _draw();
-    // Fade the copy: its alpha is kept in proportion to a gradient running
-    // from the draw's edge to the far end of the reflection.
-    context->setBlendMode(BlendMode::DestinationIn);
-    context->beginTransparencyLayer();
-    const float nearAlpha = std::min(std::max(fReflection_ + 0.2f, 0.4f), 1.0f);
-    const float farAlpha = std::min(std::max(fReflection_ - 1.0f, 0.0f), 1.0f);
-    const Gradient fade = Gradient::withStartingColor(Color::calibratedWhite(0.0, nearAlpha),
-                                                      Color::calibratedWhite(0.0, farAlpha));
-    context->drawGradient(fade, reflection, 90.0);
-    context->endTransparencyLayer();
-    context->endTransparencyLayer();
-    context->restoreGraphicsState();
-
-    bEnableShadow_ = shadowWasEnabled;
+    drawReflection(*context);
   }
   _draw();
+}
+
+void DrawBase::drawReflection(GraphicsContext& context) {
+  // The reflection casts no shadow of its own.
+  ScopedValue noShadow(bEnableShadow_, false);
+  Rect reflection = drawRect();
+  GraphicsStateGuard saved(context);
+  // Mirror about the bottom edge, then move down by the distance.
+  const float distance = ReflectionDistance(*this);
+  AffineTransform mirror = AffineTransform::scaling(1, -1);
+  mirror.append(AffineTransform::translation(0, 2 * reflection.origin.y - distance));
+  context.concat(mirror);
+  // In the mirrored space the clip runs from the bottom edge downwards.
+  reflection.size.height *= std::min(fReflection_, 1.0f);
+  context.clipToRect(reflection);
+
+  TransparencyLayerGuard copy(context);
+  _draw();
+  // Fade the copy: its alpha is kept in proportion to a gradient running
+  // from the draw's edge to the far end of the reflection.
+  context.setBlendMode(BlendMode::DestinationIn);
+  TransparencyLayerGuard fading(context);
+  const float nearAlpha = std::min(std::max(fReflection_ + 0.2f, 0.4f), 1.0f);
+  const float farAlpha = std::min(std::max(fReflection_ - 1.0f, 0.0f), 1.0f);
+  const Gradient fade = Gradient::withStartingColor(Color::calibratedWhite(0.0, nearAlpha),
+                                                    Color::calibratedWhite(0.0, farAlpha));
+  context.drawGradient(fade, reflection, 90.0);
 }
 
 Rect DrawBase::drawRect() const {
@@ -314,15 +315,14 @@ std::shared_ptr<Bitmap> DrawBase::renderedImage() {
   if (area.width() < 1 || area.height() < 1) return nullptr;
   std::shared_ptr<Bitmap> image = InitImageRep(area.width(), area.height());
   if (!image) return nullptr;
-  WTLockFocus(image);
-  GraphicsContext& context = *GraphicsContext::current();
+  BitmapFocus focus(image);
+  GraphicsContext& context = focus.context();
   // _draw switches antialiasing on again; this setting reaches only what a
   // subclass paints before it.
   context.setShouldAntialias(false);
   context.setCompositingOperation(CompositingOperation::SourceOver);
   context.translate(-area.origin.x, -area.origin.y);
   draw();
-  WTUnlockFocus(image);
   return image;
 }
 
@@ -330,7 +330,7 @@ void DrawBase::drawHighlightInCanvasView(const CanvasView& view) {
   if (!bezierPath_ || bezierPath_->isEmpty()) return;
   GraphicsContext* context = CurrentContextOrLog("drawing a highlight");
   if (context == nullptr) return;
-  context->saveGraphicsState();
+  GraphicsStateGuard saved(*context);
   context->setShouldAntialias(shouldAntialias());
   context->concat(view.transformForDrawing());
 
@@ -360,14 +360,13 @@ void DrawBase::drawHighlightInCanvasView(const CanvasView& view) {
     if (!stroked && !lineDashStyle().empty()) outline.setLineDash({}, 0);
     context->stroke(outline);
   }
-  context->restoreGraphicsState();
 }
 
 void DrawBase::drawBorderInCanvasView(const CanvasView& view) {
   if (!hasBorder() || !bezierPath_ || bezierPath_->isEmpty()) return;
   GraphicsContext* context = CurrentContextOrLog("drawing a border");
   if (context == nullptr) return;
-  context->saveGraphicsState();
+  GraphicsStateGuard saved(*context);
   const bool stroked = drawStroke();
   const float scale = view.scale();
   if (scale > kHalfPixelShiftMinimumScale && stroked && IsOddWidth(bezierPath_->lineWidth())) {
@@ -401,7 +400,6 @@ void DrawBase::drawBorderInCanvasView(const CanvasView& view) {
                      BorderDashPhaseStart());
   context->setStrokeColor(Color::calibratedWhite(1.0, 1.0));
   context->stroke(border);
-  context->restoreGraphicsState();
 }
 
 Point DrawBase::fillGradientCenterPointWithScale(float /*scale*/) const {

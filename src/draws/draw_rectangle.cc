@@ -6,6 +6,7 @@
 #include "archive/keyed_unarchiver.h"
 #include "draws/canvas_view.h"
 #include "platform/graphics/graphics_context.h"
+#include "platform/graphics/graphics_guards.h"
 
 namespace paintdoc {
 
@@ -178,7 +179,7 @@ void DrawGradient::drawHighlightInCanvasView(const CanvasView& view) {
   DrawRectangle::drawHighlightInCanvasView(view);
   GraphicsContext* context = GraphicsContext::current();
   if (context == nullptr || !bezierPath_ || bezierPath_->isEmpty()) return;
-  context->saveGraphicsState();
+  GraphicsStateGuard saved(*context);
   context->setShouldAntialias(true);
   context->concat(view.transformForDrawing());
   context->concat(transform());
@@ -186,7 +187,6 @@ void DrawGradient::drawHighlightInCanvasView(const CanvasView& view) {
   box.setLineWidth(ViewPixelsInCanvasUnits(view, 2.0));
   context->setStrokeColor(colorDrawBaseHighlight);
   context->stroke(box);
-  context->restoreGraphicsState();
 }
 
 }  // namespace paintdoc

@@ -4,6 +4,7 @@
 
 #include "platform/values/bitmap.h"
 #include "platform/graphics/graphics_context.h"
+#include "platform/graphics/graphics_guards.h"
 
 namespace paintdoc {
 
@@ -19,7 +20,7 @@ std::shared_ptr<DrawImage> DrawImage::withImage(std::shared_ptr<Bitmap> image) {
 void DrawImage::_draw() {
   GraphicsContext* context = GraphicsContext::current();
   if (context == nullptr || !image_) return;
-  context->saveGraphicsState();
+  GraphicsStateGuard saved(*context);
   context->setShouldAntialias(true);
   context->setCompositingOperation(CompositingOperation::SourceOver);
   context->setImageInterpolation(ImageInterpolation::High);
@@ -30,7 +31,6 @@ void DrawImage::_draw() {
   destination.origin.x = std::trunc(destination.origin.x + 0.5);
   destination.origin.y = std::trunc(destination.origin.y + 0.5);
   context->drawBitmap(*image_, destination, ZeroRect(), CompositingOperation::SourceOver, 1.0);
-  context->restoreGraphicsState();
 }
 
 }  // namespace paintdoc
