@@ -12,7 +12,14 @@ std::shared_ptr<Bitmap> BitmapPreviewRequest::createContext(Size size, bool /*is
       size.height > Bitmap::kMaxDimension) {
     return nullptr;
   }
-  auto context = Bitmap::create(static_cast<int>(size.width), static_cast<int>(size.height));
+  // Sides round to the nearest whole pixel: an image at about 72 dpi (2835
+  // pixels a metre is 72.009 dpi, 16 pixels 15.998 points) then gets exactly
+  // its pixel count and is drawn pixel for pixel. Rounding up would add a
+  // pixel for the image just under 72 dpi; truncating loses one for the
+  // image just over it. Other resolutions still fill the context at their
+  // point size, since the context's point size stays the one asked for.
+  auto context = Bitmap::create(static_cast<int>(std::lround(size.width)),
+                                static_cast<int>(std::lround(size.height)));
   if (context && size.width > 0 && size.height > 0) context->setSize(size);
   return context;
 }

@@ -25,7 +25,7 @@ class PreviewRequest {
 };
 
 // A request that makes a transparent bitmap of the requested size (sides
-// truncated to whole pixels) and keeps what is flushed.
+// rounded to the nearest whole pixel) and keeps what is flushed.
 class BitmapPreviewRequest : public PreviewRequest {
  public:
   std::shared_ptr<Bitmap> createContext(Size size, bool isBitmap) override;

@@ -1,7 +1,5 @@
 #include "platform/codecs/image_codecs.h"
 
-#include <cstdio>
-#include <jpeglib.h>
 #include <gif_lib.h>
 #include <gtest/gtest.h>
 #include <tiffio.h>
@@ -11,6 +9,7 @@
 #include <functional>
 #include <random>
 
+#include "image_test_files.h"
 #include "platform/values/file_bytes.h"
 #include "support/golden_image.h"
 #include "support/test_paths.h"
@@ -18,7 +17,9 @@
 namespace paintdoc {
 namespace {
 
+using test::EncodeJpeg;
 using test::ImagesMatch;
+using test::MakeBmp;
 
 // A 5 × 4 test card with every kind of alpha: opaque, half, faint, clear.
 std::shared_ptr<Bitmap> TestCard() {
@@ -34,43 +35,6 @@ std::shared_ptr<Bitmap> TestCard() {
     }
   }
   return bitmap;
-}
-
-void AppendU16(std::vector<uint8_t>& out, unsigned v) {
-  out.push_back(static_cast<uint8_t>(v));
-  out.push_back(static_cast<uint8_t>(v >> 8));
-}
-void AppendU32(std::vector<uint8_t>& out, uint32_t v) {
-  for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(v >> (8 * i)));
-}
-
-// A BMP with a 40-byte info header (or a 108-byte V4 header when masks are given).
-std::vector<uint8_t> MakeBmp(int32_t width, int32_t height, uint16_t bits, uint32_t compression,
-                             const std::vector<uint32_t>& palette,
-                             const std::vector<uint8_t>& pixels,
-                             const std::vector<uint32_t>& v4Masks = {},
-                             int32_t pixelsPerMetre = 0) {
-  uint32_t infoSize = v4Masks.empty() ? 40 : 108;
-  uint32_t offset = 14 + infoSize + static_cast<uint32_t>(palette.size() * 4);
-  const auto size = static_cast<uint32_t>(pixels.size());
-  const auto resolution = static_cast<uint32_t>(pixelsPerMetre);
-  std::vector<uint8_t> out = {'B', 'M'};
-  // File header: size, reserved, pixel offset; info header: its size, the dimensions.
-  for (uint32_t v : {offset + size, 0u, offset, infoSize, static_cast<uint32_t>(width),
-                     static_cast<uint32_t>(height)}) {
-    AppendU32(out, v);
-  }
-  AppendU16(out, 1);  // planes
-  AppendU16(out, bits);
-  for (uint32_t v : {compression, size, resolution, resolution,
-                     static_cast<uint32_t>(palette.size()), 0u}) {
-    AppendU32(out, v);
-  }
-  for (uint32_t mask : v4Masks) AppendU32(out, mask);
-  out.resize(14 + infoSize, 0);
-  for (uint32_t entry : palette) AppendU32(out, entry);  // 0x00RRGGBB as B, G, R, 0
-  out.insert(out.end(), pixels.begin(), pixels.end());
-  return out;
 }
 
 // --- round trips through our writers
@@ -168,53 +132,6 @@ TEST(ImageCodecs, TiffWithUnassociatedAlphaAndLzwIsPremultipliedOnRead) {
 }
 
 // --- files written by the format's own library
-
-// A JPEG from libjpeg itself: `color(x, row)` gives R, G, B; optionally an
-// Exif block with an orientation and a JFIF density in dots an inch.
-std::vector<uint8_t> EncodeJpeg(int width, int height, const std::function<Rgba8(int, int)>& color,
-                                int exifOrientation = 0, int dotsPerInch = 0) {
-  jpeg_compress_struct cinfo{};
-  jpeg_error_mgr errors{};
-  cinfo.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&cinfo);
-  unsigned char* buffer = nullptr;
-  unsigned long size = 0;
-  jpeg_mem_dest(&cinfo, &buffer, &size);
-  cinfo.image_width = static_cast<JDIMENSION>(width);
-  cinfo.image_height = static_cast<JDIMENSION>(height);
-  cinfo.input_components = 3;
-  cinfo.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&cinfo);
-  jpeg_set_quality(&cinfo, 95, TRUE);
-  if (dotsPerInch > 0) {
-    cinfo.density_unit = 1;
-    cinfo.X_density = cinfo.Y_density = static_cast<UINT16>(dotsPerInch);
-  }
-  jpeg_start_compress(&cinfo, TRUE);
-  if (exifOrientation > 0) {
-    // "Exif\0\0", little-endian TIFF header, one IFD entry: Orientation (SHORT).
-    const uint8_t exif[] = {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0,
-                            1, 0, 0x12, 0x01, 3, 0, 1, 0, 0, 0,
-                            static_cast<uint8_t>(exifOrientation), 0, 0, 0, 0, 0, 0, 0};
-    jpeg_write_marker(&cinfo, JPEG_APP0 + 1, exif, sizeof exif);
-  }
-  std::vector<uint8_t> line(static_cast<size_t>(width) * 3);
-  while (cinfo.next_scanline < cinfo.image_height) {
-    for (int x = 0; x < width; ++x) {
-      Rgba8 c = color(x, static_cast<int>(cinfo.next_scanline));
-      line[x * 3] = c.red;
-      line[x * 3 + 1] = c.green;
-      line[x * 3 + 2] = c.blue;
-    }
-    JSAMPROW rows[] = {line.data()};
-    jpeg_write_scanlines(&cinfo, rows, 1);
-  }
-  jpeg_finish_compress(&cinfo);
-  std::vector<uint8_t> jpeg(buffer, buffer + size);
-  jpeg_destroy_compress(&cinfo);
-  free(buffer);
-  return jpeg;
-}
 
 void ExpectNear(Rgba8 actual, Rgba8 expected, int tolerance) {
   EXPECT_NEAR(actual.red, expected.red, tolerance);
@@ -326,61 +243,22 @@ TEST(ImageCodecs, LosslessWebPDecodesPremultiplied) {
   EXPECT_NE(cut.error.find("WebP image"), std::string::npos);
 }
 
-TEST(ImageCodecs, Bmp24BitBottomUpWithRowPadding) {
-  // 3 × 2: rows padded from 9 to 12 bytes; the first stored row is the bottom one.
-  std::vector<uint8_t> pixels = {
-      0, 0, 255, 0, 255, 0, 255, 0, 0, 0, 0, 0,        // bottom: red green blue
-      255, 255, 255, 0, 0, 0, 128, 128, 128, 0, 0, 0,  // top: white black grey
+// A BMP's pixels a metre become its point size: 5669 is 144 dpi; 2835 (72.009
+// dpi) leaves a 16-pixel image just under 16 points, for the preview to round.
+TEST(ImageCodecs, BmpResolutionSetsThePointSize) {
+  struct Case {
+    int32_t pixelsPerMetre;
+    int pixels;
+    double points;
   };
-  DecodedImage decoded = ReadImage(MakeBmp(3, 2, 24, 0, {}, pixels, {}, 5669));
-  ASSERT_TRUE(decoded) << decoded.error;
-  const Bitmap& b = *decoded.bitmap;
-  EXPECT_EQ(b.pixelAt(0, 1), (Rgba8{255, 0, 0, 255}));
-  EXPECT_EQ(b.pixelAt(2, 1), (Rgba8{0, 0, 255, 255}));
-  EXPECT_EQ(b.pixelAt(0, 0), (Rgba8{255, 255, 255, 255}));
-  EXPECT_EQ(b.pixelAt(2, 0), (Rgba8{128, 128, 128, 255}));
-  // 5669 pixels a metre is 144 dpi.
-  EXPECT_NEAR(b.size().width, 1.5, 0.01);
-}
-
-// Top-down with an alpha mask: premultiplied; without a mask the fourth byte is unused.
-TEST(ImageCodecs, Bmp32BitAlphaOnlyWithAMask) {
-  const std::vector<uint8_t> pixels = {50, 100, 200, 128, 0, 0, 0, 0};  // B G R A
-  DecodedImage masked = ReadImage(MakeBmp(2, -1, 32, 3, {}, pixels,
-                                          {0x00ff0000, 0x0000ff00, 0x000000ff, 0xff000000}));
-  ASSERT_TRUE(masked) << masked.error;
-  EXPECT_EQ(masked.bitmap->pixelAt(0, 0), (Rgba8{100, 50, 25, 128}));
-  EXPECT_EQ(masked.bitmap->pixelAt(1, 0), (Rgba8{0, 0, 0, 0}));
-  DecodedImage unmasked = ReadImage(MakeBmp(1, 1, 32, 0, {}, {50, 100, 200, 0}));
-  ASSERT_TRUE(unmasked) << unmasked.error;
-  EXPECT_EQ(unmasked.bitmap->pixelAt(0, 0), (Rgba8{200, 100, 50, 255}));
-}
-
-TEST(ImageCodecs, BmpPalettesIn1BitAndRle8) {
-  // 1 bit: 10 pixels wide, 1 row: bits 1010000011 padded to 4 bytes.
-  std::vector<uint32_t> palette = {0x000000, 0xffffff};
-  DecodedImage mono = ReadImage(MakeBmp(10, 1, 1, 0, palette, {0xa0, 0xc0, 0, 0}));
-  ASSERT_TRUE(mono) << mono.error;
-  EXPECT_EQ(mono.bitmap->pixelAt(0, 0).red, 255);
-  EXPECT_EQ(mono.bitmap->pixelAt(1, 0).red, 0);
-  EXPECT_EQ(mono.bitmap->pixelAt(8, 0).red, 255);
-  EXPECT_EQ(mono.bitmap->pixelAt(9, 0).red, 255);
-
-  // RLE8, 4 × 2: bottom row "run of 3 × index 1, literal [2]"; then a delta
-  // skips the top row's first two pixels (left transparent); run of 2 × 0.
-  std::vector<uint32_t> colors = {0x0000ff, 0x00ff00, 0xff0000};
-  std::vector<uint8_t> rle = {3, 1, 0, 3, 2, 2, 2, 0,  // run, literal of 3 (padded)
-                              0, 0,                    // end of line
-                              0, 2, 2, 0,              // delta (+2, +0)
-                              2, 0, 0, 1};             // run, end of bitmap
-  DecodedImage runs = ReadImage(MakeBmp(4, 2, 8, 1, colors, rle));
-  ASSERT_TRUE(runs) << runs.error;
-  const Bitmap& b = *runs.bitmap;
-  EXPECT_EQ(b.pixelAt(0, 1), (Rgba8{0, 255, 0, 255}));
-  EXPECT_EQ(b.pixelAt(3, 1), (Rgba8{255, 0, 0, 255}));  // literal's first index, clipped after
-  EXPECT_EQ(b.pixelAt(0, 0), (Rgba8{0, 0, 0, 0}));
-  EXPECT_EQ(b.pixelAt(2, 0), (Rgba8{0, 0, 255, 255}));
-  EXPECT_EQ(b.pixelAt(3, 0), (Rgba8{0, 0, 255, 255}));
+  for (const Case& c : {Case{5669, 3, 1.5}, Case{2835, 16, 15.998}, Case{0, 5, 5}}) {
+    SCOPED_TRACE(c.pixelsPerMetre);
+    std::vector<uint8_t> pixels(static_cast<size_t>((c.pixels * 3 + 3) / 4 * 4), 0);
+    DecodedImage decoded = ReadImage(MakeBmp(c.pixels, 1, 24, 0, {}, pixels, {}, c.pixelsPerMetre));
+    ASSERT_TRUE(decoded) << decoded.error;
+    EXPECT_EQ(decoded.bitmap->pixelsWide(), c.pixels);
+    EXPECT_NEAR(decoded.bitmap->size().width, c.points, 0.001);
+  }
 }
 
 // --- bad input
@@ -437,6 +315,19 @@ TEST(ImageCodecs, CorruptedFilesNeverCrash) {
       *WritePNG(*TestCard()), *WriteTIFF(*TestCard()), MakeGif(true),
       MakeBmp(3, 2, 24, 0, {}, std::vector<uint8_t>(24, 7)),
       MakeBmp(4, 2, 8, 1, {0xff, 0xff00}, {3, 1, 0, 3, 1, 0, 1, 0, 0, 1}),
+      MakeBmp(3, 2, 24, 4, {}, {0, 3, 1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0, 2, 9, 9, 9, 0, 1}),
+      MakeBmp(5, 2, 2, 0, {0, 0xff, 0xff00, 0xff0000}, {0x1b, 0x80, 0, 0, 0xe4, 0, 0, 0}),
+      test::MakeTiff([] {
+        test::TiffSpec spec;
+        spec.width = spec.height = 4;
+        spec.sampleFormat = SAMPLEFORMAT_IEEEFP;
+        spec.bitsPerSample = 32;
+        spec.samplesPerPixel = 4;
+        spec.extraSamples = {EXTRASAMPLE_UNASSALPHA};
+        spec.compression = COMPRESSION_LZW;
+        spec.samples = std::vector<uint8_t>(4 * 4 * 16, 0x3e);
+        return spec;
+      }(), "corruption_seed"),
       EncodeJpeg(8, 8, [](int x, int y) { return Rgba8{uint8_t(x * 30), uint8_t(y * 30), 0, 255}; }, 6)};
   std::mt19937 random(1234);
   for (const auto& seed : seeds) {

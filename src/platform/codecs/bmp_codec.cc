@@ -1,12 +1,14 @@
 // BMP reading (no library: the format is small). Handles the core, info and
-// V4/V5 headers; 1, 4, 8, 16, 24 and 32 bits a pixel; palettes; bit-field
-// masks with or without alpha; RLE8 and RLE4; bottom-up and top-down rows.
+// V4/V5 headers; 1, 2, 4, 8, 16, 24 and 32 bits a pixel; palettes; bit-field
+// masks with or without alpha; RLE8, RLE4 and OS/2's RLE24; bottom-up and
+// top-down rows; a V5 header's embedded colour profile.
 // Every offset and length is checked against the file before use.
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
 
+#include "platform/codecs/colour_profile.h"
 #include "platform/codecs/image_codecs.h"
 #include "platform/codecs/image_decoding.h"
 
@@ -16,8 +18,11 @@ namespace {
 using image_decoding::Failure;
 
 constexpr size_t kFileHeaderSize = 14;
+// Compression 4 is JPEG data in Windows files (never with a bit count of 24)
+// and 24-bit run lengths in OS/2 ones.
 constexpr uint32_t kCompressionRGB = 0, kCompressionRLE8 = 1, kCompressionRLE4 = 2,
-                   kCompressionBitFields = 3, kCompressionAlphaBitFields = 6;
+                   kCompressionBitFields = 3, kCompressionRLE24 = 4,
+                   kCompressionAlphaBitFields = 6;
 
 uint16_t ReadU16(const uint8_t* p) { return static_cast<uint16_t>(p[0] | p[1] << 8); }
 uint32_t ReadU32(const uint8_t* p) {
@@ -73,7 +78,13 @@ class BmpDecoder {
   std::string readPalette();
   void decodeRows();
   void decodeRunLengths();
+  std::span<const uint8_t> embeddedProfile() const;
+  bool isRunLength() const {
+    return header_.compression == kCompressionRLE8 || header_.compression == kCompressionRLE4 ||
+           header_.compression == kCompressionRLE24;
+  }
   void putIndex(int64_t x, int64_t rowFromBottom, unsigned index);
+  void putColor(int64_t x, int64_t rowFromBottom, Rgba8 color);
   // Bitmaps store the top row first.
   int storageRow(int64_t rowFromBottom) const {
     return static_cast<int>(header_.height - 1 - rowFromBottom);
@@ -124,17 +135,20 @@ std::string BmpDecoder::readHeader() {
 
   uint32_t compression = header_.compression;
   uint16_t bits = header_.bitsPerPixel;
-  bool validDepth = bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
+  bool validDepth = bits == 1 || bits == 2 || bits == 4 || bits == 8 || bits == 16 ||
+                    bits == 24 || bits == 32;
   if (!validDepth) return "unsupported depth of " + std::to_string(bits) + " bits a pixel";
   if (compression == kCompressionRLE8 && bits != 8) return "RLE8 data must be 8 bits a pixel";
   if (compression == kCompressionRLE4 && bits != 4) return "RLE4 data must be 4 bits a pixel";
-  if ((compression == kCompressionRLE8 || compression == kCompressionRLE4) && header_.topDown) {
+  if (compression == kCompressionRLE24 && bits != 24) {
+    return "compression 4 is read as RLE24 only with 24 bits a pixel (JPEG data is not supported)";
+  }
+  if (isRunLength() && header_.topDown) {
     return "run-length data cannot be stored top-down";
   }
   bool bitFields = compression == kCompressionBitFields || compression == kCompressionAlphaBitFields;
   if (bitFields && bits != 16 && bits != 32) return "bit fields need 16 or 32 bits a pixel";
-  if (compression != kCompressionRGB && compression != kCompressionRLE8 &&
-      compression != kCompressionRLE4 && !bitFields) {
+  if (compression != kCompressionRGB && !isRunLength() && !bitFields) {
     return "unsupported compression " + std::to_string(compression);
   }
 
@@ -174,11 +188,14 @@ std::string BmpDecoder::readPalette() {
   return {};
 }
 
-void BmpDecoder::putIndex(int64_t x, int64_t rowFromBottom, unsigned index) {
+void BmpDecoder::putColor(int64_t x, int64_t rowFromBottom, Rgba8 color) {
   if (x < 0 || x >= header_.width || rowFromBottom < 0 || rowFromBottom >= header_.height) return;
-  // An index past the palette shows black, as common viewers do.
-  Rgba8 color = index < palette_.size() ? palette_[index] : Rgba8{0, 0, 0, 255};
   bitmap_->setPixelAt(static_cast<int>(x), storageRow(rowFromBottom), color);
+}
+
+void BmpDecoder::putIndex(int64_t x, int64_t rowFromBottom, unsigned index) {
+  // An index past the palette shows black, as common viewers do.
+  putColor(x, rowFromBottom, index < palette_.size() ? palette_[index] : Rgba8{0, 0, 0, 255});
 }
 
 void BmpDecoder::decodeRows() {
@@ -221,8 +238,26 @@ void BmpDecoder::decodeRows() {
   }
 }
 
+// Run-length data: pairs (count, value) give runs; a count of 0 is an escape
+// (end of line, end of bitmap, a move, or literal pixels padded to 16 bits).
+// A value is one index (RLE8), two alternating 4-bit indices (RLE4) or a
+// B, G, R colour (RLE24).
 void BmpDecoder::decodeRunLengths() {
   const bool fourBit = header_.compression == kCompressionRLE4;
+  const bool trueColor = header_.compression == kCompressionRLE24;
+  const size_t valueBytes = trueColor ? 3 : 1;
+  // Pixel `i` of a run or literal whose bytes start at `value`.
+  auto put = [&](int64_t x, int64_t y, const uint8_t* value, unsigned i, bool literal) {
+    if (trueColor) {
+      const uint8_t* bgr = value + (literal ? size_t{3} * i : 0);
+      putColor(x, y, {bgr[2], bgr[1], bgr[0], 255});
+    } else if (fourBit) {
+      unsigned byte = value[literal ? i / 2 : 0];
+      putIndex(x, y, i % 2 ? byte & 0x0f : byte >> 4);
+    } else {
+      putIndex(x, y, value[literal ? i : 0]);
+    }
+  };
   size_t pos = header_.pixelOffset;
   int64_t x = 0, y = 0;  // y counts rows from the bottom
   while (y < header_.height) {
@@ -230,20 +265,25 @@ void BmpDecoder::decodeRunLengths() {
       truncated_ = true;
       return;
     }
-    unsigned count = bytes_[pos], value = bytes_[pos + 1];
-    pos += 2;
-    if (count > 0) {  // a run of one index (RLE4: two alternating indices)
-      for (unsigned i = 0; i < count && x < header_.width; ++i, ++x) {
-        putIndex(x, y, fourBit ? (i % 2 ? value & 0x0f : value >> 4) : value);
+    unsigned count = bytes_[pos];
+    const uint8_t* value = &bytes_[pos + 1];
+    if (count > 0) {
+      if (!has(pos, 1 + valueBytes)) {
+        truncated_ = true;
+        return;
       }
+      pos += 1 + valueBytes;
+      for (unsigned i = 0; i < count && x < header_.width; ++i, ++x) put(x, y, value, i, false);
       continue;
     }
-    if (value == 0) {  // end of line
+    const unsigned escape = *value;
+    pos += 2;
+    if (escape == 0) {  // end of line
       x = 0;
       ++y;
-    } else if (value == 1) {  // end of bitmap
+    } else if (escape == 1) {  // end of bitmap
       return;
-    } else if (value == 2) {  // move right and up
+    } else if (escape == 2) {  // move right and up
       if (!has(pos, 2)) {
         truncated_ = true;
         return;
@@ -251,19 +291,33 @@ void BmpDecoder::decodeRunLengths() {
       x += bytes_[pos];
       y += bytes_[pos + 1];
       pos += 2;
-    } else {  // `value` literal indices, padded to a 16-bit boundary
-      size_t literalBytes = fourBit ? (value + 1) / 2 : value;
+    } else {  // `escape` literal pixels, padded to a 16-bit boundary
+      size_t literalBytes = trueColor ? size_t{3} * escape : fourBit ? (escape + 1) / 2 : escape;
       if (!has(pos, literalBytes)) {
         truncated_ = true;
         return;
       }
-      for (unsigned i = 0; i < value; ++i, ++x) {
-        unsigned byte = bytes_[pos + (fourBit ? i / 2 : i)];
-        putIndex(x, y, fourBit ? (i % 2 ? byte & 0x0f : byte >> 4) : byte);
-      }
+      for (unsigned i = 0; i < escape; ++i, ++x) put(x, y, &bytes_[pos], i, true);
       pos += (literalBytes + 1) & ~size_t{1};
     }
   }
+}
+
+// A V5 header may embed an ICC profile ("MBED"): its offset counts from the
+// start of the info header. Linked profiles (a file name) are not followed.
+std::span<const uint8_t> BmpDecoder::embeddedProfile() const {
+  constexpr size_t kV5HeaderSize = 124, kColorSpaceType = 56, kProfileData = 112,
+                   kProfileSize = 116;
+  constexpr uint32_t kProfileEmbedded = 0x4d424544;  // 'MBED'
+  if (header_.infoSize < kV5HeaderSize) return {};
+  const uint8_t* info = &bytes_[kFileHeaderSize];
+  if (ReadU32(info + kColorSpaceType) != kProfileEmbedded) return {};
+  size_t offset = kFileHeaderSize + size_t{ReadU32(info + kProfileData)};
+  if (offset >= bytes_.size()) return {};
+  // A profile cut short by the end of the file is handed on as it is, so
+  // that it is reported as unreadable rather than silently dropped.
+  size_t length = std::min<size_t>(ReadU32(info + kProfileSize), bytes_.size() - offset);
+  return bytes_.subspan(offset, length);
 }
 
 // A 32-bit file whose alpha bytes are all 0 was written by a tool that
@@ -292,13 +346,14 @@ DecodedImage BmpDecoder::decode() {
   if (!error.empty()) return Failure(ImageFormat::BMP, error);
   bitmap_ = Bitmap::create(static_cast<int>(header_.width), static_cast<int>(header_.height));
   if (!bitmap_) return Failure(ImageFormat::BMP, "out of memory");
-  if (header_.compression == kCompressionRLE8 || header_.compression == kCompressionRLE4) {
+  if (isRunLength()) {
     decodeRunLengths();
   } else {
     decodeRows();
   }
   if (truncated_) return Failure(ImageFormat::BMP, "pixel data is truncated");
   if (header_.masks[3] != 0) FinishAlpha(*bitmap_);
+  image_decoding::ConvertToSRGB(*bitmap_, embeddedProfile(), ImageFormat::BMP);
   double metresPerInch = image_decoding::kCentimetresPerInch / 100.0;
   image_decoding::ApplyResolution(*bitmap_, header_.xPixelsPerMetre * metresPerInch,
                                   header_.yPixelsPerMetre * metresPerInch);

@@ -4,8 +4,10 @@
 #include <jpeglib.h>
 
 #include <csetjmp>
+#include <cstdlib>
 #include <vector>
 
+#include "platform/codecs/colour_profile.h"
 #include "platform/codecs/image_codecs.h"
 #include "platform/codecs/image_decoding.h"
 
@@ -33,6 +35,7 @@ struct JpegReadState {
   std::shared_ptr<Bitmap> bitmap;
   std::vector<uint8_t> scanline;
   int orientation = 1;  // Exif
+  std::vector<uint8_t> iccProfile;  // from APP2 segments
 };
 
 void OnJpegError(j_common_ptr cinfo) {
@@ -87,12 +90,23 @@ void StoreScanline(JpegReadState* state, int row) {
   }
 }
 
+// libjpeg joins the profile's APP2 pieces; a malformed sequence gives none.
+void ReadIccProfile(JpegReadState* state) {
+  JOCTET* profile = nullptr;
+  unsigned int length = 0;
+  if (!jpeg_read_icc_profile(&state->cinfo, &profile, &length) || !profile) return;
+  state->iccProfile.assign(profile, profile + length);
+  std::free(profile);
+}
+
 bool DecodeJpeg(JpegReadState* state, std::span<const uint8_t> bytes) {
   jpeg_decompress_struct* cinfo = &state->cinfo;
   if (setjmp(state->errors.jump)) return false;
   jpeg_mem_src(cinfo, bytes.data(), static_cast<unsigned long>(bytes.size()));
   jpeg_save_markers(cinfo, JPEG_APP0 + 1, 0xffff);  // Exif
+  jpeg_save_markers(cinfo, JPEG_APP0 + 2, 0xffff);  // ICC profile, in pieces
   jpeg_read_header(cinfo, TRUE);
+  ReadIccProfile(state);
   for (jpeg_saved_marker_ptr marker = cinfo->marker_list; marker; marker = marker->next) {
     if (marker->marker == JPEG_APP0 + 1) {
       int orientation = image_decoding::ExifOrientation({marker->data, marker->data_length});
@@ -157,6 +171,7 @@ DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& op
   for (int row = 0; row < bitmap.pixelsHigh(); ++row) {
     bitmap.writeRGBARow(row, bitmap.rowAt(row), AlphaMode::Straight);
   }
+  image_decoding::ConvertToSRGB(bitmap, state.iccProfile, ImageFormat::JPEG);
   if (sawJfif) image_decoding::ApplyResolution(bitmap, xDpi, yDpi);
   std::shared_ptr<Bitmap> result = std::move(state.bitmap);
   if (options.applyExifOrientation) {

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/codecs/colour_profile.h"
 #include "platform/codecs/image_codecs.h"
 #include "platform/codecs/image_decoding.h"
 
@@ -41,6 +42,7 @@ struct PngReadState : PngSession {
   std::vector<png_bytep> rows;
   std::string sizeError;
   double xDotsPerInch = 0, yDotsPerInch = 0;
+  std::vector<uint8_t> iccProfile;  // from an iCCP chunk
 };
 
 void ReadPngBytes(png_structp png, png_bytep out, size_t length) {
@@ -85,6 +87,14 @@ bool DecodePng(PngReadState* state) {
     state->xDotsPerInch = resX * image_decoding::kCentimetresPerInch / 100.0;
     state->yDotsPerInch = resY * image_decoding::kCentimetresPerInch / 100.0;
   }
+  png_charp profileName = nullptr;
+  png_bytep profile = nullptr;
+  png_uint_32 profileLength = 0;
+  int profileCompression = 0;
+  if (png_get_iCCP(state->png, state->info, &profileName, &profileCompression, &profile,
+                   &profileLength) && profile) {
+    state->iccProfile.assign(profile, profile + profileLength);
+  }
   RequestRgba8(state->png, state->info);
   if (png_get_rowbytes(state->png, state->info) != static_cast<size_t>(width) * 4) {
     png_error(state->png, "unexpected row layout");
@@ -125,6 +135,7 @@ DecodedImage ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& opt
   for (int row = 0; row < bitmap.pixelsHigh(); ++row) {
     bitmap.writeRGBARow(row, bitmap.rowAt(row), AlphaMode::Straight);
   }
+  image_decoding::ConvertToSRGB(bitmap, state.iccProfile, ImageFormat::PNG);
   image_decoding::ApplyResolution(bitmap, state.xDotsPerInch, state.yDotsPerInch);
   return image_decoding::Success(ImageFormat::PNG, std::move(state.bitmap));
 }

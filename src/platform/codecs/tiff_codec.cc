@@ -1,17 +1,21 @@
 // TIFF reading and writing with libtiff, entirely in memory. Reading goes
 // through libtiff's RGBA interface, which handles every photometric
 // interpretation, bit depth and compression libtiff knows and hands back
-// premultiplied pixels.
+// premultiplied pixels, except for floating-point and 32-bit integer
+// samples, which it refuses or misreads: those are read scanline by scanline.
 #include <tiffio.h>
 
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <vector>
 
+#include "platform/codecs/colour_profile.h"
 #include "platform/codecs/image_codecs.h"
 #include "platform/codecs/image_decoding.h"
+#include "platform/codecs/tiff_samples.h"
 
 namespace paintdoc {
 namespace {
@@ -133,6 +137,28 @@ void StoreTiffRaster(const std::vector<uint32_t>& raster, Bitmap& bitmap) {
 
 constexpr tmsize_t kMaxTiffAllocation = tmsize_t{256} << 20;
 
+// Fills `bitmap` through the RGBA interface; the reason on failure.
+std::string ReadThroughRgbaInterface(TIFF* tiff, const MemoryStream& stream, Bitmap& bitmap) {
+  char why[1024] = {};
+  if (!TIFFRGBAImageOK(tiff, why)) return std::string("unsupported layout (") + why + ")";
+  const auto width = static_cast<uint32_t>(bitmap.pixelsWide());
+  const auto height = static_cast<uint32_t>(bitmap.pixelsHigh());
+  std::vector<uint32_t> raster(static_cast<size_t>(width) * height);
+  if (!TIFFReadRGBAImageOriented(tiff, width, height, raster.data(), ORIENTATION_TOPLEFT,
+                                 /*stop_on_error=*/1)) {
+    return TiffReason(stream, "could not decode the pixels");
+  }
+  StoreTiffRaster(raster, bitmap);
+  return {};
+}
+
+std::span<const uint8_t> TiffIccProfile(TIFF* tiff) {
+  uint32_t length = 0;
+  void* profile = nullptr;
+  if (!TIFFGetField(tiff, TIFFTAG_ICCPROFILE, &length, &profile) || !profile) return {};
+  return {static_cast<const uint8_t*>(profile), length};
+}
+
 }  // namespace
 
 DecodedImage ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
@@ -148,19 +174,13 @@ DecodedImage ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& op
   TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
   std::string sizeError = image_decoding::CheckImageSize(width, height, options);
   if (!sizeError.empty()) return Failure(ImageFormat::TIFF, sizeError);
-  char why[1024] = {};
-  if (!TIFFRGBAImageOK(tiff.get(), why)) {
-    return Failure(ImageFormat::TIFF, std::string("unsupported layout (") + why + ")");
-  }
   auto bitmap = Bitmap::create(static_cast<int>(width), static_cast<int>(height));
-  std::vector<uint32_t> raster;
-  if (bitmap) raster.resize(static_cast<size_t>(width) * height);
   if (!bitmap) return Failure(ImageFormat::TIFF, "out of memory");
-  if (!TIFFReadRGBAImageOriented(tiff.get(), width, height, raster.data(), ORIENTATION_TOPLEFT,
-                                 /*stop_on_error=*/1)) {
-    return Failure(ImageFormat::TIFF, TiffReason(stream, "could not decode the pixels"));
-  }
-  StoreTiffRaster(raster, *bitmap);
+  std::string error = NeedsTiffSampleReader(tiff.get())
+                          ? ReadTiffSamples(tiff.get(), *bitmap, stream.firstError)
+                          : ReadThroughRgbaInterface(tiff.get(), stream, *bitmap);
+  if (!error.empty()) return Failure(ImageFormat::TIFF, error);
+  image_decoding::ConvertToSRGB(*bitmap, TiffIccProfile(tiff.get()), ImageFormat::TIFF);
   ApplyTiffResolution(tiff.get(), *bitmap);
   return image_decoding::Success(ImageFormat::TIFF, std::move(bitmap));
 }

@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "platform/codecs/colour_profile.h"
 #include "platform/codecs/image_codecs.h"
 #include "platform/codecs/image_decoding.h"
 
@@ -68,6 +69,22 @@ DecodedImage DecodeFirstFrame(std::span<const uint8_t> bytes, std::shared_ptr<Bi
   return image_decoding::Success(ImageFormat::WebP, std::move(bitmap));
 }
 
+struct DemuxDeleter {
+  void operator()(WebPDemuxer* demuxer) const { WebPDemuxDelete(demuxer); }
+};
+
+// The ICCP chunk's bytes (inside `bytes`), or none.
+std::span<const uint8_t> IccProfile(std::span<const uint8_t> bytes) {
+  WebPData data{bytes.data(), bytes.size()};
+  std::unique_ptr<WebPDemuxer, DemuxDeleter> demuxer(WebPDemux(&data));
+  if (!demuxer || !(WebPDemuxGetI(demuxer.get(), WEBP_FF_FORMAT_FLAGS) & ICCP_FLAG)) return {};
+  WebPChunkIterator chunk;
+  if (!WebPDemuxGetChunk(demuxer.get(), "ICCP", 1, &chunk)) return {};
+  std::span<const uint8_t> profile(chunk.chunk.bytes, chunk.chunk.size);
+  WebPDemuxReleaseChunkIterator(&chunk);
+  return profile;
+}
+
 }  // namespace
 
 DecodedImage ReadWebP(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
@@ -81,8 +98,10 @@ DecodedImage ReadWebP(std::span<const uint8_t> bytes, const ImageReadOptions& op
   if (!sizeError.empty()) return Failure(ImageFormat::WebP, sizeError);
   auto bitmap = Bitmap::create(features.width, features.height);
   if (!bitmap) return Failure(ImageFormat::WebP, "out of memory");
-  return features.has_animation ? DecodeFirstFrame(bytes, std::move(bitmap))
-                                : DecodeStill(bytes, std::move(bitmap));
+  DecodedImage result = features.has_animation ? DecodeFirstFrame(bytes, std::move(bitmap))
+                                               : DecodeStill(bytes, std::move(bitmap));
+  if (result) image_decoding::ConvertToSRGB(*result.bitmap, IccProfile(bytes), ImageFormat::WebP);
+  return result;
 }
 
 }  // namespace paintdoc
