@@ -9,6 +9,7 @@
 #include "cli_commands.h"
 #include "platform/values/bitmap.h"
 #include "platform/values/file_bytes.h"
+#include "platform/values/log.h"
 #include "platform/codecs/image_codecs.h"
 #include "preview/bitmap_scaling.h"
 #include "preview/preview_generator.h"
@@ -28,12 +29,38 @@ struct Drawn {
   PixelSize fullSize;
 };
 
+// The first warning the library logged, without its "Warning: <reader>: "
+// prefix, or "".
+std::string FirstWarning(const LogCapture& log) {
+  for (const std::string& message : log.messages()) {
+    if (message.rfind("Warning: ", 0) != 0) continue;
+    const size_t reason = message.find(": ", 9);
+    return message.substr(reason == std::string::npos ? 9 : reason + 2);
+  }
+  return "";
+}
+
+// The refusal's one line: the preview's diagnosis, with the warning that
+// explains it when the library logged one (a thumbnailer keeps one line of
+// what its command prints, so the cause must be in that line).
+std::string RefusalLine(const std::string& path, const std::string& diagnosis,
+                        const LogCapture& log) {
+  const std::string warning = FirstWarning(log);
+  if (warning.empty() || diagnosis.find(warning) != std::string::npos) {
+    return path + ": " + diagnosis;
+  }
+  return path + ": " + diagnosis + " (" + warning + ")";
+}
+
 // `fitInto` above 0 draws a thumbnail that fits a square of that many pixels.
+// What the library logs meanwhile is kept out of the output: a refusal says
+// it in its own line, and a picture that could be drawn needs no remarks.
 Drawn DrawFile(const std::string& path, PreviewKind kind, int fitInto = 0) {
+  LogCapture log;
   BitmapPreviewRequest request;
   const PreviewSource source = ReadPreviewSource(path, kind);
   const PreviewOutcome outcome = DrawPreviewSource(request, source, fitInto);
-  if (!outcome.drawn) return {nullptr, path + ": " + outcome.diagnosis, {}};
+  if (!outcome.drawn) return {nullptr, RefusalLine(path, outcome.diagnosis, log), {}};
   const std::shared_ptr<Bitmap>& bitmap = request.flushedContext();
   if (!bitmap || bitmap->isEmpty()) {
     const int wide = bitmap ? bitmap->pixelsWide() : 0;

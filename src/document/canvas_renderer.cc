@@ -5,13 +5,17 @@
 #include "document/paint_manager.h"
 #include "platform/graphics/graphics_guards.h"
 #include "platform/values/bitmap.h"
+#include "platform/values/pixel_memory.h"
 #include "raster/draw_image.h"
 
 namespace paintdoc {
 
 CanvasRenderer::CanvasRenderer(const PaintManager& canvas, std::shared_ptr<Bitmap> target,
                                const Rect& area)
-    : canvas_(canvas), target_(std::move(target)), area_(area) {
+    : canvas_(canvas),
+      target_(std::move(target)),
+      area_(area),
+      memoryFailuresAtStart_(PixelMemoryFailureCount()) {
   if (!target_) {
     setupFailure_ = "no bitmap to draw the canvas into";
   } else if (!target_->isEmpty() && area.width() > 0 && area.height() > 0) {
@@ -72,6 +76,10 @@ void CanvasRenderer::maskWithBackground() {
 
 bool CanvasRenderer::failed() const { return !failure().empty(); }
 
-std::string CanvasRenderer::failure() const { return setupFailure_; }
+std::string CanvasRenderer::failure() const {
+  if (!setupFailure_.empty()) return setupFailure_;
+  if (PixelMemoryFailureCount() != memoryFailuresAtStart_) return LastPixelMemoryFailure();
+  return "";
+}
 
 }  // namespace paintdoc

@@ -15,6 +15,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -47,8 +48,9 @@ class CanvasRenderer {
   // asks for that (maskBackground()).
   void maskWithBackground();
 
-  // Whether drawing failed (no memory, a path beyond the drawing budget):
-  // the picture is then incomplete and must not be shown as the document.
+  // Whether drawing failed (no memory for a bitmap on the way, a path beyond
+  // the drawing budget): the picture is then incomplete and must not be shown
+  // as the document.
   bool failed() const;
   // Why, in one line; empty when nothing failed.
   std::string failure() const;
@@ -60,6 +62,8 @@ class CanvasRenderer {
   Rect area_;
   bool usable_ = false;
   std::string setupFailure_;
+  // Failed allocations of pixel memory noted on this thread before drawing.
+  uint64_t memoryFailuresAtStart_ = 0;
 };
 
 }  // namespace paintdoc

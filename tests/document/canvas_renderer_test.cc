@@ -7,6 +7,7 @@
 #include "document/paint_manager.h"
 #include "draws/draw_rectangle.h"
 #include "platform/values/bitmap.h"
+#include "platform/values/pixel_memory.h"
 #include "preview/bitmap_scaling.h"
 
 namespace paintdoc {
@@ -78,6 +79,27 @@ TEST(CanvasRenderer, AreaOfTheCanvasIsTheSamePixelsAsTheWhole) {
     for (int x = 0; x < 160; ++x) differing += quarter->pixelAt(x, y) != whole->pixelAt(x + 160, y);
   }
   EXPECT_EQ(differing, 0);
+}
+
+// A layer whose drawing could not get the pixel memory it asked for.
+class StarvedBox : public DrawRectangle {
+ public:
+  void drawInImage(const std::shared_ptr<Bitmap>& image) override {
+    NotePixelMemoryFailure("no memory for a bitmap of 9 x 9 pixels");
+    DrawRectangle::drawInImage(image);
+  }
+};
+
+// A picture missing a layer is no picture of the document: the renderer, and
+// the preview drawn through it, fail with the allocation's line.
+TEST(CanvasRenderer, FailedAllocationWhileDrawingFailsTheRender) {
+  auto canvas = ShadedCanvas();
+  canvas->addDraw(MakeDraw<StarvedBox>());
+  auto bitmap = Bitmap::create(32, 24);
+  CanvasRenderer renderer(*canvas, bitmap, canvas->canvasRect());
+  EXPECT_FALSE(renderer.failed());
+  renderer.paintAll();
+  EXPECT_EQ(renderer.failure(), "no memory for a bitmap of 9 x 9 pixels");
 }
 
 TEST(CanvasRenderer, EmptyTargetsDrawNothingAndFailNothing) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/values/log.h"
+#include "platform/values/pixel_memory.h"
 
 namespace paintdoc {
 
@@ -31,8 +32,9 @@ std::shared_ptr<Bitmap> Bitmap::create(int pixelsWide, int pixelsHigh) {
   // costs nothing up front. One extra byte keeps empty bitmaps non-null.
   auto* pixels = static_cast<uint8_t*>(std::calloc(bytes + 1, 1));
   if (pixels == nullptr) {
-    Log("Error: out of memory for a bitmap of " + std::to_string(pixelsWide) + " x " +
-        std::to_string(pixelsHigh) + " pixels");
+    const std::string size = std::to_string(pixelsWide) + " x " + std::to_string(pixelsHigh);
+    Log("Error: out of memory for a bitmap of " + size + " pixels");
+    NotePixelMemoryFailure("no memory for a bitmap of " + size + " pixels");
     return nullptr;
   }
   return std::shared_ptr<Bitmap>(new Bitmap(pixelsWide, pixelsHigh, pixels));
