@@ -1,10 +1,13 @@
 #include "example_documents.h"
 
+#include <array>
+
 #include "document/paint_manager.h"
 #include "draws/draw_group.h"
 #include "draws/draw_lines.h"
 #include "draws/draw_rectangle.h"
 #include "platform/values/bezier_path.h"
+#include "shapes/draw_shapes.h"
 
 namespace paintdoc {
 
@@ -186,8 +189,69 @@ ExampleDocument Effects() {
 
 // ---- end of rendering effects ----
 
+// ---- The shape library: every shape side by side ----
+
+template <class... Shapes>
+std::vector<std::shared_ptr<DrawRectShape>> NewShapes() {
+  return {MakeDraw<Shapes>()...};
+}
+
+const std::array<Color, 5> kSheetColors = {
+    Color::calibratedRGB(0.95, 0.45, 0.4), Color::calibratedRGB(0.98, 0.75, 0.3),
+    Color::calibratedRGB(0.45, 0.8, 0.5), Color::calibratedRGB(0.4, 0.65, 0.95),
+    Color::calibratedRGB(0.7, 0.5, 0.9)};
+
+// Each library shape in a cell of its own, filled with one of a few colours
+// and stroked dark, so that outlines, holes and pointers
+// can all be checked at a glance.
+ExampleDocument ShapeSheet() {
+  constexpr int kColumns = 6;
+  constexpr double kCell = 150;
+  constexpr double kMargin = 24;
+  std::vector<std::shared_ptr<DrawRectShape>> shapes = NewShapes<
+      DrawRectPolygon, DrawRectPolygon, DrawRectPolygon, DrawRectStar, DrawRectStar,
+      DrawRectHeart, DrawRectWaterDrip, DrawRectLocation, DrawRectBookmark, DrawRectCloud,
+      DrawRectLightning, DrawRectPerson, DrawRectMail, DrawRectiMac, DrawRectAppleLogo,
+      DrawRectButterfly, DrawRectCamera, DrawRectEye, DrawRectHome, DrawRectRefresh,
+      DrawRectFolder, DrawRectPicture, DrawRectClock, DrawRectSignal, DrawRectMessage,
+      DrawEllipseMessage>();
+  const int rows = static_cast<int>((shapes.size() + kColumns - 1) / kColumns);
+  auto canvas = PaintManager::withSize({kColumns * kCell, rows * kCell});
+  canvas->addDraw(Filled(Box<DrawRectangle>(MakeRect(0, 0, kColumns * kCell, rows * kCell)),
+                         Color::calibratedWhite(0.97)));
+
+  for (size_t i = 0; i < shapes.size(); ++i) {
+    DrawRectShape& shape = *shapes[i];
+    // Cells fill from the top left; the canvas's y axis points up.
+    const double left = static_cast<double>(i % kColumns) * kCell + kMargin;
+    const double bottom = static_cast<double>(rows - 1 - static_cast<int>(i / kColumns)) * kCell +
+                          kMargin;
+    const double side = kCell - 2 * kMargin;
+    // Pictograms take their preferred proportions inside the cell.
+    const double ratio = shape.width2HeightRatioForShift();
+    const double width = ratio >= 1 ? side : side * ratio;
+    const double height = ratio >= 1 ? side / ratio : side;
+    const double bubbleLift = 20;  // room below the bubbles for their pointers
+    const bool bubble = dynamic_cast<DrawRectMessage*>(&shape) != nullptr ||
+                        dynamic_cast<DrawEllipseMessage*>(&shape) != nullptr;
+    shape.setBezierPathWithBounds(MakeRect(left + (side - width) / 2,
+                                           bottom + (side - height) / 2 + (bubble ? bubbleLift : 0),
+                                           width, height - (bubble ? bubbleLift : 0)));
+    Filled(shapes[i], kSheetColors[i % kSheetColors.size()], Color::calibratedWhite(0.15));
+    canvas->addDraw(shapes[i]);
+  }
+  // The repeated classes show their settings: a triangle, a pentagon and the
+  // default hexagon; a default star and a slim one.
+  std::static_pointer_cast<DrawRectPolygon>(shapes[0])->setPointsCount(3);
+  std::static_pointer_cast<DrawRectPolygon>(shapes[1])->setPointsCount(5);
+  std::static_pointer_cast<DrawRectStar>(shapes[4])->setInnerSize({0.25, 0.25});
+  return {"shape-sheet", canvas};
+}
+
 }  // namespace
 
-std::vector<ExampleDocument> MakeExampleDocuments() { return {Shapes(), Layers(), Effects()}; }
+std::vector<ExampleDocument> MakeExampleDocuments() {
+  return {Shapes(), Layers(), Effects(), ShapeSheet()};
+}
 
 }  // namespace paintdoc

@@ -31,7 +31,8 @@ class DrawRectangle : public DrawBase {
   virtual BezierPath bezierPathWithBounds(const Rect& bounds) const;
   // Replaces the outline's elements by bezierPathWithBounds() of the box
   // (raised to at least 1 by 1); the path keeps its own line attributes.
-  void setBezierPathWithBounds(const Rect& bounds);
+  // Virtual so that shapes which remember their box can store it here.
+  virtual void setBezierPathWithBounds(const Rect& bounds);
   // The box the outline was made from. Here the path's bounds; subclasses
   // whose outline does not fill its box answer the box.
   virtual Rect controlBoundsBeforeRotation() const;
