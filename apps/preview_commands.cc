@@ -58,7 +58,7 @@ std::string RefusalLine(const std::string& path, const std::string& diagnosis,
 Drawn DrawFile(const std::string& path, PreviewKind kind, int fitInto = 0) {
   LogCapture log;
   BitmapPreviewRequest request;
-  const PreviewSource source = ReadPreviewSource(path, kind);
+  const PreviewSource source = ReadPreviewSource(path, kind, {}, fitInto);
   const PreviewOutcome outcome = DrawPreviewSource(request, source, fitInto);
   if (!outcome.drawn) return {nullptr, RefusalLine(path, outcome.diagnosis, log), {}};
   const std::shared_ptr<Bitmap>& bitmap = request.flushedContext();

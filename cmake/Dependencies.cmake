@@ -3,6 +3,8 @@
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(PD_CAIRO REQUIRED IMPORTED_TARGET cairo)
 pkg_check_modules(PD_TEXT REQUIRED IMPORTED_TARGET pangocairo pango fontconfig)
+# Font lookup alone (face traits), for code that does not lay out text.
+pkg_check_modules(PD_FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 pkg_check_modules(PD_CODECS REQUIRED IMPORTED_TARGET libpng libjpeg libtiff-4 libwebp libwebpdemux lcms2)
 find_library(GIF_LIBRARY NAMES gif REQUIRED)
 find_path(GIF_INCLUDE_DIR gif_lib.h REQUIRED)

@@ -25,6 +25,7 @@
 #include "archive/archive_value.h"
 #include "archive/codable.h"
 #include "archive/shared_bytes.h"
+#include "draws/draw_attributes.h"
 #include "platform/values/affine_transform.h"
 #include "platform/values/bezier_path.h"
 #include "platform/values/color.h"
@@ -220,6 +221,58 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   // every operation above that changes the outline. Nothing to drop here.
   virtual void clearHighlightCache() {}
   // ==== end of geometry and transforms ====
+
+  // --- Attributes and capabilities (draw_base_attributes.cc)
+  // What an editor may change on this draw, computed from the class traits
+  // and the class (classes of higher modules by name, through the class
+  // registry, so RegisterAllClasses() must have run, as it must before
+  // reading a document). Curved text overrides the rotation and resizing
+  // questions to ask its path draw; text and image draws override the
+  // attribute and opacity operations.
+
+  // Visible, and either in no group or in a visible one.
+  virtual bool visibleWithGroup() const;
+  virtual bool shouldDrawBorderWhenCreating() const;
+  virtual bool shouldDrawKnobWhenCreating() const;
+  virtual bool shouldFocusedWhenAdded() const;
+  virtual bool canBeSelectedByClick() const;
+  virtual bool canSetStrokeColor() const;
+  virtual bool canSetFillColor() const;
+  virtual bool canSetFillGradient() const;
+  virtual bool canSetLineWidth() const;
+  virtual bool canSetDashStyle() const;
+  virtual bool canSetShadow() const;
+  virtual bool canSetInnerShadow() const;
+  virtual bool canToggleSmooth() const;
+  virtual bool canSetReflection() const;
+  // A group asks its visible members; it needs at least one.
+  virtual bool canBeRotated() const;
+  virtual bool canBeRotatedFreely() const;
+  virtual bool canBeResized() const;
+  // A group also needs every visible member turned by a whole multiple of
+  // 90 degrees (within 0.01).
+  virtual bool canBeResizedFreely() const;
+  // The direction is not consulted.
+  virtual bool canBeFliped(bool horizontal) const;
+  // The outlines that text can run along.
+  virtual bool canCreateBezierText() const;
+  virtual bool canAdjustOpacity() const;
+
+  // The alpha of what the draw paints: the fill (a gradient's mean alpha)
+  // when it fills, else the stroke when it strokes, else 0.
+  virtual float opacity() const;
+  // Clamps to [0, 1] and gives the fill (colour or every gradient stop) and,
+  // independently, the stroke colour that alpha.
+  virtual void setOpacity(float opacity);
+  // The draw's look: "DAKeySmooth" always, then the stroke, fill and shadow
+  // keys for what the draw strokes, fills and casts.
+  virtual DrawAttributes drawAttributes() const;
+  // Applies a look: keys that are missing switch their feature off. Nothing
+  // is applied unless the dictionary names a stroke colour, fill colour or
+  // fill gradient. Values equal within the tolerant comparisons are no
+  // change. Answers whether anything changed.
+  virtual bool setDrawAttributes(const DrawAttributes& attributes);
+  // --- end of attributes and capabilities
 
   // --- Class traits
 

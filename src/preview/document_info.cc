@@ -1,5 +1,7 @@
 #include "preview/document_info.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -21,6 +23,8 @@ LayerInfo DescribeDraw(const DrawBase& draw) {
   layer.locked = draw.locked();
   layer.rotation = draw.rotateDegree();
   layer.bounds = draw.pathBounds();
+  layer.attributes = draw.drawAttributes();
+  layer.opacity = draw.opacity();
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
     layer.isGroup = true;
     for (const auto& member : group->draws()) layer.members.push_back(DescribeDraw(*member));
@@ -57,6 +61,95 @@ std::string JsonString(const std::string& text) {
 
 const char* JsonBool(bool value) { return value ? "true" : "false"; }
 
+// Single-precision values (angles, opacity) in their own shortest form:
+// 0.3 rather than the 0.30000001192092896 of their double.
+std::string JsonFloat(float value) {
+  if (!std::isfinite(value)) return "null";
+  if (value == 0) return "0";
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return std::string(buffer, result.ptr);
+}
+
+struct ColorSpaceName {
+  ColorSpaceKind kind;
+  const char* name;
+};
+
+constexpr ColorSpaceName kColorSpaceNames[] = {
+    {ColorSpaceKind::CalibratedRGB, "calibrated RGB"},
+    {ColorSpaceKind::DeviceRGB, "device RGB"},
+    {ColorSpaceKind::SRGB, "sRGB"},
+    {ColorSpaceKind::DisplayP3, "Display P3"},
+    {ColorSpaceKind::CalibratedWhite, "calibrated white"},
+    {ColorSpaceKind::DeviceWhite, "device white"},
+    {ColorSpaceKind::DeviceCMYK, "device CMYK"},
+    {ColorSpaceKind::Catalog, "catalog"},
+};
+
+std::string JsonColorSpace(ColorSpaceKind kind) {
+  for (const ColorSpaceName& entry : kColorSpaceNames) {
+    if (entry.kind == kind) return JsonString(entry.name);
+  }
+  return "null";
+}
+
+// A component in [0, 1] as two hex digits.
+std::string HexByte(double component) {
+  const double clamped = std::isnan(component) ? 0 : std::clamp(component, 0.0, 1.0);
+  char hex[3];
+  std::snprintf(hex, sizeof hex, "%02x", static_cast<unsigned>(std::lround(clamped * 255)));
+  return hex;
+}
+
+// The colour as it shows, in calibrated RGB, with the space it was made in.
+std::string JsonColor(const Color& color) {
+  const RGBA rgba = color.toCalibratedRGB();
+  return "{\"rgba\":\"#" + HexByte(rgba.red) + HexByte(rgba.green) + HexByte(rgba.blue) +
+         HexByte(rgba.alpha) + "\",\"colorSpace\":" + JsonColorSpace(color.colorSpace()) + "}";
+}
+
+std::string JsonGradient(const Gradient& gradient) {
+  std::string out = "{\"colorSpace\":" + JsonColorSpace(gradient.colorSpace()) + ",\"stops\":[";
+  for (size_t i = 0; i < gradient.numberOfColorStops(); ++i) {
+    const GradientStop& stop = gradient.stopAt(i);
+    if (i > 0) out += ",";
+    out += "{\"location\":" + JsonNumber(stop.location) + ",\"color\":" + JsonColor(stop.color) + "}";
+  }
+  return out + "]}";
+}
+
+std::string JsonShadow(const Shadow& shadow) {
+  const Size offset = shadow.shadowOffset();
+  return "{\"offset\":[" + JsonNumber(offset.width) + "," + JsonNumber(offset.height) +
+         "],\"blur\":" + JsonNumber(shadow.shadowBlurRadius()) +
+         ",\"color\":" + JsonColor(shadow.shadowColor()) + "}";
+}
+
+// An attribute value by its kind; kinds an attribute never holds are null.
+std::string JsonAttributeValue(const ArchiveValue& value) {
+  if (const auto* flag = value.as<bool>()) return JsonBool(*flag);
+  if (const auto* single = value.as<SinglePrecision>()) return JsonFloat(single->value);
+  if (value.isNumber()) return JsonNumber(value.toDouble());
+  if (const std::string* text = value.asString()) return JsonString(*text);
+  if (const auto* point = value.as<Point>()) {
+    return "[" + JsonNumber(point->x) + "," + JsonNumber(point->y) + "]";
+  }
+  if (const auto* color = value.as<Color>()) return JsonColor(*color);
+  if (const auto* gradient = value.as<Gradient>()) return JsonGradient(*gradient);
+  if (const auto* shadow = value.as<Shadow>()) return JsonShadow(*shadow);
+  return "null";
+}
+
+std::string JsonAttributes(const DrawAttributes& attributes) {
+  std::string out = "{";
+  for (const auto& [key, value] : attributes.entries()) {
+    if (out.size() > 1) out += ",";
+    out += JsonString(key) + ":" + JsonAttributeValue(value);
+  }
+  return out + "}";
+}
+
 void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
   out += "[";
   for (size_t i = 0; i < layers.size(); ++i) {
@@ -70,6 +163,8 @@ void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
     out += ",\"bounds\":[" + JsonNumber(layer.bounds.origin.x) + "," +
            JsonNumber(layer.bounds.origin.y) + "," + JsonNumber(layer.bounds.size.width) + "," +
            JsonNumber(layer.bounds.size.height) + "]";
+    out += ",\"attributes\":" + JsonAttributes(layer.attributes);
+    out += ",\"opacity\":" + JsonFloat(layer.opacity);
     if (layer.isGroup) {
       out += ",\"layers\":";
       AppendLayersJson(out, layer.members);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "draws/draw_attributes.h"
 #include "platform/values/geometry.h"
 
 namespace paintdoc {
@@ -20,6 +21,8 @@ struct LayerInfo {
   bool locked = false;
   double rotation = 0;  // degrees
   Rect bounds;          // pathBounds: the unrotated outline's bounds
+  DrawAttributes attributes;  // the draw's look (drawAttributes)
+  float opacity = 0;          // what the opacity control shows
   bool isGroup = false;
   std::vector<LayerInfo> members;  // for a group
 };
@@ -41,8 +44,11 @@ DocumentInfo DescribePreviewSource(const PreviewSource& source);
 std::string FormatDocumentInfoText(const DocumentInfo& info);
 // One JSON object with the keys "kind", "version", "width", "height",
 // "hasBackground", "maskWithBackground" and "layers" (each with "class",
-// "title", "visible", "locked", "rotation", "bounds" as [x, y, w, h], and
-// "layers" for a group's members). An image has "kind", "width", "height"
+// "title", "visible", "locked", "rotation", "bounds" as [x, y, w, h],
+// "attributes" keyed by the attribute keys, "opacity", and "layers" for a
+// group's members). Colours read {"rgba": "#rrggbbaa", "colorSpace": name},
+// gradients {"colorSpace", "stops": [{"location", "color"}]}, shadows
+// {"offset": [w, h], "blur", "color"}, points [x, y]. An image has "kind", "width", "height"
 // (points) and "pixelsWide", "pixelsHigh".
 std::string FormatDocumentInfoJson(const DocumentInfo& info);
 

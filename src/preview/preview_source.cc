@@ -59,8 +59,11 @@ PreviewSource ReadCanvas(KeyedUnarchiver& container, int64_t version,
 
 // The fallback: the file's bytes as a plain image.
 PreviewSource ReadImageContent(const SharedBytes& bytes, bool wasKeyedArchive,
-                               const PreviewLimits& limits) {
-  DecodedImage decoded = ReadImage(bytes.span(), ImageReadOptions{limits.maxImagePixels});
+                               const PreviewLimits& limits, int fitInto) {
+  ImageReadOptions options;
+  options.maxPixels = limits.maxImagePixels;
+  options.shrinkToFit = fitInto;
+  DecodedImage decoded = ReadImage(bytes.span(), options);
   if (!decoded) {
     if (wasKeyedArchive) {
       return Refused(PreviewStatus::NotAnImage,
@@ -101,15 +104,15 @@ std::string CheckContentSize(Size size, const PreviewLimits& limits) {
 }
 
 PreviewSource ReadPreviewSource(const std::string& path, PreviewKind kind,
-                                const PreviewLimits& limits) {
+                                const PreviewLimits& limits, int fitInto) {
   std::string error;
   std::optional<std::vector<uint8_t>> bytes = ReadFileBytes(path, limits.maxFileBytes, &error);
   if (!bytes) return Refused(PreviewStatus::Unreadable, "can't read " + error);
-  return ReadPreviewSourceFromBytes(SharedBytes(std::move(*bytes)), kind, limits);
+  return ReadPreviewSourceFromBytes(SharedBytes(std::move(*bytes)), kind, limits, fitInto);
 }
 
 PreviewSource ReadPreviewSourceFromBytes(SharedBytes bytes, PreviewKind kind,
-                                         const PreviewLimits& limits) {
+                                         const PreviewLimits& limits, int fitInto) {
   if (bytes.empty()) return Refused(PreviewStatus::EmptyFile, "empty file");
   if (bytes.size() > limits.maxFileBytes) {
     return Refused(PreviewStatus::Unreadable,
@@ -124,7 +127,7 @@ PreviewSource ReadPreviewSourceFromBytes(SharedBytes bytes, PreviewKind kind,
                           container.containsValueForKey("Resolution");
   if (!isDocument) {
     if (isKeyedArchive && kind == PreviewKind::Preview) container.finishDecoding();
-    return ReadImageContent(bytes, isKeyedArchive, limits);
+    return ReadImageContent(bytes, isKeyedArchive, limits, fitInto);
   }
 
   const int64_t version =

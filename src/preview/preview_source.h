@@ -49,12 +49,14 @@ struct PreviewSource {
   }
 };
 
-// Reads the whole file and decides what it holds.
+// Reads the whole file and decides what it holds. `fitInto`, when above 0,
+// is the square a thumbnail will fill: a plain image may then be decoded at a
+// reduced scale that still covers it (its point size stays the image's).
 PreviewSource ReadPreviewSource(const std::string& path, PreviewKind kind,
-                                const PreviewLimits& limits = {});
+                                const PreviewLimits& limits = {}, int fitInto = 0);
 // The same for bytes already in memory.
 PreviewSource ReadPreviewSourceFromBytes(SharedBytes bytes, PreviewKind kind,
-                                         const PreviewLimits& limits = {});
+                                         const PreviewLimits& limits = {}, int fitInto = 0);
 
 // Checks a content size against the limits; the reason when refused, else "".
 std::string CheckContentSize(Size size, const PreviewLimits& limits);

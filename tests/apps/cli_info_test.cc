@@ -36,8 +36,20 @@ TEST(CliInfo, JsonOfAnIndependentlyWrittenDocument) {
   EXPECT_EQ(QueryJson(result.out, "sorted(d['layers'][0]), d['layers'][0]['title'], "
                                   "d['layers'][0]['rotation'], d['layers'][0]['bounds'], "
                                   "d['layers'][2]['visible'], d['layers'][2]['locked']"),
-            "(['bounds', 'class', 'locked', 'rotation', 'title', 'visible'], 'Box', 30, "
-            "[10, 20, 100, 50], False, True)\n");
+            "(['attributes', 'bounds', 'class', 'locked', 'opacity', 'rotation', 'title', "
+            "'visible'], 'Box', 30, [10, 20, 100, 50], False, True)\n");
+  // The box's look: red dashed stroke, half-transparent blue fill, a shadow.
+  EXPECT_EQ(QueryJson(result.out, "list(d['layers'][0]['attributes'].items()), "
+                                  "d['layers'][0]['opacity']"),
+            "([('DAKeySmooth', True), "
+            "('DAKeyStrokeColor', {'rgba': '#ff0000ff', 'colorSpace': 'calibrated RGB'}), "
+            "('DAKeyStrokeWidth', 3), ('DAKeyStrokeDash', '6:3'), "
+            "('DAKeyFillColor', {'rgba': '#0000ff80', 'colorSpace': 'calibrated RGB'}), "
+            "('DAKeyShadow', {'offset': [3, -4], 'blur': 5, "
+            "'color': {'rgba': '#00000040', 'colorSpace': 'calibrated RGB'}})], 0.5)\n");
+  // A group shows its smoothing only and no opacity.
+  EXPECT_EQ(QueryJson(result.out, "d['layers'][3]['attributes'], d['layers'][3]['opacity']"),
+            "({'DAKeySmooth': True}, 0)\n");
   EXPECT_EQ(QueryJson(result.out, "[(m['class'], m['title'], m['visible']) for m in "
                                   "d['layers'][3]['layers']]"),
             "[('DrawLine', 'Member line', True), ('DrawCurve', 'Curve', False)]\n");

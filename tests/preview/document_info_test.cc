@@ -28,7 +28,8 @@ TEST(DocumentInfoJson, TitlesAreEscapedAndNonFiniteNumbersAreNull) {
             "{\"kind\":\"document\",\"version\":7,\"width\":10,\"height\":20,"
             "\"hasBackground\":false,\"maskWithBackground\":false,\"layers\":["
             "{\"class\":\"DrawLine\",\"title\":\"say \\\"hi\\\"\\\\\\n\\t\\u0001\","
-            "\"visible\":false,\"locked\":false,\"rotation\":null,\"bounds\":[0.5,-1,null,2]}]}\n");
+            "\"visible\":false,\"locked\":false,\"rotation\":null,\"bounds\":[0.5,-1,null,2],"
+            "\"attributes\":{},\"opacity\":0}]}\n");
 }
 
 // A hidden group "g" holding a visible ellipse "m".
@@ -51,14 +52,53 @@ TEST(DocumentInfoJson, OnlyGroupsCarryMemberLayers) {
   DocumentInfo info = OneLayer(GroupWithMember());
   info.layers.push_back(emptyGroup);
   const std::string group = R"({"class":"DrawGroup","title":"g","visible":false,"locked":false,)"
-                            R"("rotation":0,"bounds":[0,0,0,0],"layers":[)";
+                            R"("rotation":0,"bounds":[0,0,0,0],"attributes":{},"opacity":0,"layers":[)";
   EXPECT_EQ(FormatDocumentInfoJson(info),
             R"({"kind":"document","version":7,"width":10,"height":20,"hasBackground":false,)"
             R"("maskWithBackground":false,"layers":[)" +
                 group +
                 R"({"class":"DrawEllipse","title":"m","visible":true,"locked":false,)"
-                R"("rotation":0,"bounds":[0,0,0,0]}]},)" +
+                R"("rotation":0,"bounds":[0,0,0,0],"attributes":{},"opacity":0}]},)" +
                 group + "]}]}\n");
+}
+
+// Each kind of attribute value in its readable form.
+TEST(DocumentInfoJson, AttributesAsColoursGradientsShadowsAndNumbers) {
+  struct Case {
+    std::string_view key;
+    ArchiveValue value;
+    const char* json;
+  };
+  const Case cases[] = {
+      {DAKeySmooth, false, R"("DAKeySmooth":false)"},
+      {DAKeyStrokeColor, Color::calibratedRGB(1, 0.5, 0, 0.25),
+       R"("DAKeyStrokeColor":{"rgba":"#ff800040","colorSpace":"calibrated RGB"})"},
+      {DAKeyFillColor, Color::deviceWhite(2, -1),
+       R"("DAKeyFillColor":{"rgba":"#ffffff00","colorSpace":"device white"})"},
+      {DAKeyStrokeWidth, 2.5, R"("DAKeyStrokeWidth":2.5)"},
+      {DAKeyStrokeDash, "6:3", R"("DAKeyStrokeDash":"6:3")"},
+      {DAKeyFillGdtDegree, SinglePrecision{0.3f}, R"("DAKeyFillGdtDegree":0.3)"},
+      {DAKeyFillGdtCenter, Point{0.5, -1}, R"("DAKeyFillGdtCenter":[0.5,-1])"},
+      {DAKeyFillGradient,
+       Gradient::withColors({Color::sRGB(0, 0, 1), Color::calibratedWhite(1)}, {0, 0.75}),
+       R"("DAKeyFillGradient":{"colorSpace":"sRGB","stops":[)"
+       R"({"location":0,"color":{"rgba":"#0000ffff","colorSpace":"sRGB"}},)"
+       R"({"location":0.75,"color":{"rgba":"#ffffffff","colorSpace":"calibrated white"}}]})"},
+      {DAKeyShadow, Shadow(std::nullopt, Size{8, -8}, 4),
+       R"("DAKeyShadow":{"offset":[8,-8],"blur":4,)"
+       R"("color":{"rgba":"#00000055","colorSpace":"calibrated white"}})"},
+      {DAKeyOpacity, NullObject{}, R"("DAKeyOpacity":null)"},
+  };
+  for (const Case& c : cases) {
+    LayerInfo layer;
+    layer.className = "DrawRectangle";
+    layer.attributes.set(c.key, c.value);
+    layer.opacity = 0.7f;
+    const std::string json = FormatDocumentInfoJson(OneLayer(layer));
+    EXPECT_NE(json.find(R"("attributes":{)" + std::string(c.json) + R"(},"opacity":0.7})"),
+              std::string::npos)
+        << json;
+  }
 }
 
 TEST(DocumentInfoText, IndentsMembersAndRoundsToSixDigits) {

@@ -34,6 +34,12 @@ struct ImageReadOptions {
   uint64_t maxPixels = kDefaultMaxImagePixels;
   // Turn JPEG photos upright by their Exif orientation, as viewers show them.
   bool applyExifOrientation = true;
+  // The side of the square a thumbnail of the image must fill, or 0 for the
+  // whole image. A reader that can decode at a reduced scale (JPEG's DCT
+  // scaling by 1/2, 1/4 or 1/8) then may deliver fewer pixels, but never
+  // fewer than the image fitted into that square needs; the bitmap keeps the
+  // full image's point size, so it draws at the same size.
+  int shrinkToFit = 0;
 };
 
 // The outcome of reading an image: a bitmap, or an error saying what is wrong.

@@ -40,8 +40,10 @@ void ApplyResolution(Bitmap& bitmap, double xDotsPerInch, double yDotsPerInch) {
   auto plausible = [](double dpi) { return std::isfinite(dpi) && dpi >= 10 && dpi <= 100000; };
   if (!plausible(xDotsPerInch) || !plausible(yDotsPerInch)) return;
   if (xDotsPerInch == 72 && yDotsPerInch == 72) return;
-  bitmap.setSize({bitmap.pixelsWide() * 72.0 / xDotsPerInch,
-                  bitmap.pixelsHigh() * 72.0 / yDotsPerInch});
+  // The point size so far counts the image's pixels (the full image's, for
+  // a bitmap decoded at a reduced scale).
+  bitmap.setSize({bitmap.size().width * 72.0 / xDotsPerInch,
+                  bitmap.size().height * 72.0 / yDotsPerInch});
 }
 
 int ExifOrientation(std::span<const uint8_t> exif) {

@@ -1,5 +1,7 @@
 // JPEG reading with libjpeg(-turbo). Errors come back by longjmp, so the
 // session state lives in a caller-owned struct (see png_codec.cc).
+#include <algorithm>
+#include <cmath>
 #include <cstdio>  // jpeglib.h needs FILE and size_t declared first
 #include <jpeglib.h>
 
@@ -99,6 +101,22 @@ void ReadIccProfile(JpegReadState* state) {
   std::free(profile);
 }
 
+// The largest DCT scale-down (8, 4, 2 or 1) whose output still covers the
+// image fitted into a square of `box` pixels on both sides.
+unsigned ShrinkDenominator(unsigned width, unsigned height, int box) {
+  if (box <= 0 || width == 0 || height == 0) return 1;
+  const double longSide = std::max(width, height), shortSide = std::min(width, height);
+  const double fittedLong = std::min(longSide, static_cast<double>(box));
+  const double fittedShort = std::ceil(shortSide * fittedLong / longSide);
+  for (unsigned denominator : {8u, 4u, 2u}) {
+    if (std::ceil(longSide / denominator) >= fittedLong &&
+        std::ceil(shortSide / denominator) >= fittedShort) {
+      return denominator;
+    }
+  }
+  return 1;
+}
+
 bool DecodeJpeg(JpegReadState* state, std::span<const uint8_t> bytes) {
   jpeg_decompress_struct* cinfo = &state->cinfo;
   if (setjmp(state->errors.jump)) return false;
@@ -118,6 +136,9 @@ bool DecodeJpeg(JpegReadState* state, std::span<const uint8_t> bytes) {
   if (!state->sizeError.empty()) return false;
   bool cmyk = cinfo->jpeg_color_space == JCS_CMYK || cinfo->jpeg_color_space == JCS_YCCK;
   cinfo->out_color_space = cmyk ? JCS_CMYK : JCS_RGB;
+  cinfo->scale_num = 1;
+  cinfo->scale_denom =
+      ShrinkDenominator(cinfo->image_width, cinfo->image_height, state->options->shrinkToFit);
   jpeg_start_decompress(cinfo);
   state->bitmap = Bitmap::create(static_cast<int>(cinfo->output_width),
                                  static_cast<int>(cinfo->output_height));
@@ -157,6 +178,8 @@ DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& op
   bool decoded = DecodeJpeg(&state, bytes);
   // A file cut short after its first scanlines still decodes (the missing
   // rows come out grey), as viewers show it: a partial preview beats none.
+  const Size fullSize{static_cast<double>(state.cinfo.image_width),
+                      static_cast<double>(state.cinfo.image_height)};
   int densityUnit = state.cinfo.density_unit;
   double xDpi = DotsPerInch(state.cinfo.X_density, densityUnit);
   double yDpi = DotsPerInch(state.cinfo.Y_density, densityUnit);
@@ -171,6 +194,8 @@ DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& op
   for (int row = 0; row < bitmap.pixelsHigh(); ++row) {
     bitmap.writeRGBARow(row, bitmap.rowAt(row), AlphaMode::Straight);
   }
+  // Decoded at a reduced scale, the bitmap still stands for the whole image.
+  if (bitmap.pixelsWide() != fullSize.width) bitmap.setSize(fullSize);
   image_decoding::ConvertToSRGB(bitmap, state.iccProfile, ImageFormat::JPEG);
   if (sawJfif) image_decoding::ApplyResolution(bitmap, xDpi, yDpi);
   std::shared_ptr<Bitmap> result = std::move(state.bitmap);

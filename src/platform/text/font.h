@@ -2,6 +2,7 @@
 // mapping to an installed family belongs to text layout, not to this value.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace paintdoc {
@@ -16,5 +17,10 @@ struct Font {
 
   friend bool operator==(const Font&, const Font&) = default;
 };
+
+// Tolerant equality, so that setting a font that differs only by rounding of
+// its size is no edit: the same name and point sizes less than 0.1 apart.
+// False against no font.
+bool wt_isEqualWithFont(const Font& font, const std::optional<Font>& other);
 
 }  // namespace paintdoc
