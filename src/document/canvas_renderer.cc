@@ -26,9 +26,9 @@ CanvasRenderer::CanvasRenderer(const PaintManager& canvas, std::shared_ptr<Bitma
   // An empty bitmap or area has nothing to show, which is no failure; every
   // painting call then returns at once.
   if (!usable_) return;
-  GraphicsContext& context = GraphicsContext::lockFocus(target_);
-  context.setCompositingOperation(CompositingOperation::SourceOver);
-  context.translate(-area.origin.x, -area.origin.y);
+  context_ = &GraphicsContext::lockFocus(target_);
+  context_->setCompositingOperation(CompositingOperation::SourceOver);
+  context_->translate(-area.origin.x, -area.origin.y);
 }
 
 CanvasRenderer::~CanvasRenderer() {
@@ -58,7 +58,7 @@ void CanvasRenderer::maskWithBackground() {
   const std::shared_ptr<Bitmap>& mask = background->image();
   // Without pixels there is nothing to mask with; the picture stays as it is.
   if (!mask) return;
-  GraphicsContext& context = *GraphicsContext::current();
+  GraphicsContext& context = *context_;
   // The background's own rotation is left out here.
   const Rect maskRect = background->controlBoundsBeforeRotation();
   GraphicsStateGuard saved(context);
@@ -78,6 +78,7 @@ bool CanvasRenderer::failed() const { return !failure().empty(); }
 
 std::string CanvasRenderer::failure() const {
   if (!setupFailure_.empty()) return setupFailure_;
+  if (context_ != nullptr && context_->failed()) return context_->failure();
   if (PixelMemoryFailureCount() != memoryFailuresAtStart_) return LastPixelMemoryFailure();
   return "";
 }

@@ -61,6 +61,7 @@ class CanvasRenderer {
   Size targetPointSize_;
   Rect area_;
   bool usable_ = false;
+  GraphicsContext* context_ = nullptr;  // the focus locked on target_
   std::string setupFailure_;
   // Failed allocations of pixel memory noted on this thread before drawing.
   uint64_t memoryFailuresAtStart_ = 0;

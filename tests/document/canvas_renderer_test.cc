@@ -3,6 +3,8 @@
 // shows once resampled to that size.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "document/canvas_renderer.h"
 #include "document/paint_manager.h"
 #include "draws/draw_rectangle.h"
@@ -90,16 +92,40 @@ class StarvedBox : public DrawRectangle {
   }
 };
 
+// A filled star of 20,000 spikes, each vertex almost half a turn from the
+// last: few elements, but more edge crossings than any preview may spend.
+std::shared_ptr<DrawBase> SpikyStar() {
+  BezierPath star;
+  for (int vertex = 0; vertex <= 20000; ++vertex) {
+    const double angle = vertex * 0.499 * 2 * M_PI;
+    const Point point{400 + 380 * std::cos(angle), 400 + 380 * std::sin(angle)};
+    vertex == 0 ? star.moveTo(point) : star.lineTo(point);
+  }
+  star.closePath();
+  auto draw = MakeDraw<DrawRectangle>();
+  draw->setBezierPathWithData(ArchiveValue(star));
+  draw->setEnableStroke(false);
+  draw->setEnableFill(true);
+  return draw;
+}
+
 // A picture missing a layer is no picture of the document: the renderer, and
-// the preview drawn through it, fail with the allocation's line.
-TEST(CanvasRenderer, FailedAllocationWhileDrawingFailsTheRender) {
-  auto canvas = ShadedCanvas();
-  canvas->addDraw(MakeDraw<StarvedBox>());
-  auto bitmap = Bitmap::create(32, 24);
-  CanvasRenderer renderer(*canvas, bitmap, canvas->canvasRect());
-  EXPECT_FALSE(renderer.failed());
-  renderer.paintAll();
-  EXPECT_EQ(renderer.failure(), "no memory for a bitmap of 9 x 9 pixels");
+// the preview drawn through it, fail with the line that says why.
+TEST(CanvasRenderer, LayerThatCouldNotBeDrawnFailsTheRender) {
+  const struct {
+    std::shared_ptr<DrawBase> layer;
+    std::string failure;
+  } cases[] = {{MakeDraw<StarvedBox>(), "no memory for a bitmap of 9 x 9 pixels"},
+               {SpikyStar(), "crosses itself too often to draw"}};
+  for (const auto& c : cases) {
+    auto canvas = PaintManager::withSize({800, 800});
+    canvas->addDraw(c.layer);
+    auto bitmap = Bitmap::create(800, 800);
+    CanvasRenderer renderer(*canvas, bitmap, canvas->canvasRect());
+    EXPECT_FALSE(renderer.failed());
+    renderer.paintAll();
+    EXPECT_NE(renderer.failure().find(c.failure), std::string::npos) << renderer.failure();
+  }
 }
 
 TEST(CanvasRenderer, EmptyTargetsDrawNothingAndFailNothing) {

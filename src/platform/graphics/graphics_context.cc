@@ -6,6 +6,8 @@
 #include <string>
 
 #include "platform/graphics/cairo_conversion.h"
+#include "platform/graphics/device_edges.h"
+#include "platform/graphics/drawing_budget.h"
 #include "platform/graphics/drawing_primitives.h"
 #include "platform/values/log.h"
 
@@ -88,6 +90,36 @@ GraphicsContext::~GraphicsContext() {
 
 void GraphicsContext::flush() { cairo_surface_flush(surface_); }
 
+// --- refusal
+
+void GraphicsContext::recordFailure(std::string reason) {
+  if (failed()) return;
+  failure_ = reason.empty() ? "drawing refused" : std::move(reason);
+}
+
+bool GraphicsContext::refuse(const std::optional<std::string>& refusal) {
+  if (refusal) recordFailure(*refusal);
+  return refusal.has_value();
+}
+
+DeviceFrame GraphicsContext::deviceFrame() const {
+  cairo_matrix_t userToDevice;
+  cairo_get_matrix(cr_, &userToDevice);
+  double x1, y1, x2, y2;
+  cairo_save(cr_);
+  cairo_identity_matrix(cr_);
+  cairo_clip_extents(cr_, &x1, &y1, &x2, &y2);
+  cairo_restore(cr_);
+  int passes = state().shadow ? 2 : 1;
+  return {FromCairoMatrix(userToDevice), MakeRect(x1, y1, x2 - x1, y2 - y1),
+          cairo_get_tolerance(cr_), passes};
+}
+
+const std::vector<DeviceEdge>& GraphicsContext::clipEdges() const {
+  static const std::vector<DeviceEdge> kNone;
+  return state().clipEdges ? *state().clipEdges : kNone;
+}
+
 // --- graphics state
 
 void GraphicsContext::saveGraphicsState() {
@@ -135,7 +167,30 @@ AffineTransform GraphicsContext::currentTransform() const {
 
 void GraphicsContext::clip(const BezierPath& path) { clip(path, path.windingRule()); }
 
+namespace {
+
+// cairo turns a clip whose edges all run along the pixel axes into boxes,
+// which cost nothing to draw through; any other clip is swept with each path.
+bool IsRectilinear(const std::vector<DeviceEdge>& edges) {
+  return std::all_of(edges.begin(), edges.end(),
+                     [](const DeviceEdge& e) { return e.x0 == e.x1 || e.y0 == e.y1; });
+}
+
+}  // namespace
+
 void GraphicsContext::clip(const BezierPath& path, WindingRule rule) {
+  if (failed()) return;
+  // Clipping costs what filling costs: cairo rasterises the clip into a mask
+  // when it cannot sweep it with what is drawn.
+  DeviceFrame frame = deviceFrame();
+  frame.passes = 1;  // a clip casts no shadow
+  if (refuse(FillRefusal(path, frame, {}))) return;
+  std::vector<DeviceEdge> edges =
+      FlattenedEdges(path, frame.userToDevice, frame.tolerance, /*closeSubpaths=*/true);
+  if (!IsRectilinear(edges)) {
+    edges.insert(edges.end(), clipEdges().begin(), clipEdges().end());
+    state().clipEdges = std::make_shared<const std::vector<DeviceEdge>>(std::move(edges));
+  }
   AppendPath(cr_, path);
   cairo_set_fill_rule(cr_, ToCairoFillRule(rule));
   cairo_set_antialias(cr_, state().antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
@@ -180,17 +235,34 @@ void GraphicsContext::setColor(const Color& color) {
 // --- drawing operations
 
 void GraphicsContext::fill(const BezierPath& path) {
-  if (path.isEmpty()) return;
+  if (failed() || path.isEmpty()) return;
+  if (refuse(FillRefusal(path, deviceFrame(), clipEdges()))) return;
   draw(FillPrimitive(path, ColorSource(state().fillColor)));
 }
 
 void GraphicsContext::stroke(const BezierPath& path) {
-  if (path.isEmpty()) return;
-  draw(StrokePrimitive(path, ColorSource(state().strokeColor)));
+  if (failed() || path.isEmpty()) return;
+  // Dashes shorter than a pixel would only cut the line into millions of
+  // pieces that average out anyway: the line is drawn solid, as faint as the
+  // share of it the dashes cover.
+  std::optional<double> dashCoverage = SubpixelDashCoverage(path, deviceFrame().userToDevice);
+  if (!dashCoverage) {
+    strokeWithColor(path, state().strokeColor);
+    return;
+  }
+  BezierPath solid = path;
+  solid.setLineDash({}, 0);
+  const Color& color = state().strokeColor;
+  strokeWithColor(solid, color.withAlphaComponent(color.alphaComponent() * *dashCoverage));
+}
+
+void GraphicsContext::strokeWithColor(const BezierPath& path, const Color& color) {
+  if (refuse(StrokeRefusal(path, deviceFrame(), clipEdges()))) return;
+  draw(StrokePrimitive(path, ColorSource(color)));
 }
 
 void GraphicsContext::fillRect(const Rect& rect) {
-  if (RectIsEmpty(rect) || !IsFinite(rect)) return;
+  if (failed() || RectIsEmpty(rect) || !IsFinite(rect)) return;
   draw(FillPrimitive(BezierPath::withRect(rect), ColorSource(state().fillColor)));
 }
 
@@ -217,13 +289,14 @@ void LinearGradientEnds(const Rect& bounds, double angle, Point& start, Point& e
 }  // namespace
 
 void GraphicsContext::drawGradient(const Gradient& gradient, const BezierPath& path, double angle) {
-  if (path.isEmpty() || gradient.numberOfColorStops() == 0) return;
+  if (failed() || path.isEmpty() || gradient.numberOfColorStops() == 0) return;
   if (!IsFinite(path.bounds()) || !std::isfinite(angle)) return;
+  if (refuse(FillRefusal(path, deviceFrame(), clipEdges()))) return;
   Point start, end;
   LinearGradientEnds(path.bounds(), angle, start, end);
   PatternPtr pattern(cairo_pattern_create_linear(start.x, start.y, end.x, end.y));
   cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_PAD);
-  draw(FillPrimitive(path, GradientSource(std::move(pattern), gradient)));
+  draw(FillPrimitive(path, GradientSource(std::move(pattern), WithBoundedStops(gradient))));
 }
 
 void GraphicsContext::drawGradient(const Gradient& gradient, const Rect& rect, double angle) {
@@ -232,11 +305,12 @@ void GraphicsContext::drawGradient(const Gradient& gradient, const Rect& rect, d
 
 void GraphicsContext::drawGradient(const Gradient& gradient, const BezierPath& path,
                                    Point relativeCenter) {
-  if (path.isEmpty() || gradient.numberOfColorStops() == 0) return;
+  if (failed() || path.isEmpty() || gradient.numberOfColorStops() == 0) return;
   Rect bounds = path.bounds();
   if (!IsFinite(bounds) || !std::isfinite(relativeCenter.x) || !std::isfinite(relativeCenter.y)) {
     return;
   }
+  if (refuse(FillRefusal(path, deviceFrame(), clipEdges()))) return;
   Point center = bounds.center();
   // The end circle is centred at the relative position (corners at ±1) and
   // just covers the rectangle: its radius reaches the farthest corner.
@@ -250,7 +324,7 @@ void GraphicsContext::drawGradient(const Gradient& gradient, const BezierPath& p
   PatternPtr pattern(
       cairo_pattern_create_radial(center.x, center.y, 0, endCenter.x, endCenter.y, radius));
   cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_PAD);
-  draw(FillPrimitive(path, GradientSource(std::move(pattern), gradient)));
+  draw(FillPrimitive(path, GradientSource(std::move(pattern), WithBoundedStops(gradient))));
 }
 
 void GraphicsContext::drawGradient(const Gradient& gradient, const Rect& rect,
@@ -261,7 +335,7 @@ void GraphicsContext::drawGradient(const Gradient& gradient, const Rect& rect,
 void GraphicsContext::drawBitmap(const Bitmap& bitmap, const Rect& destination,
                                  const Rect& source, CompositingOperation operation,
                                  double fraction) {
-  if (bitmap.isEmpty() || RectIsEmpty(destination) || !IsFinite(destination) ||
+  if (failed() || bitmap.isEmpty() || RectIsEmpty(destination) || !IsFinite(destination) ||
       !IsFinite(source)) {
     return;
   }
@@ -321,12 +395,14 @@ void GraphicsContext::endTransparencyLayer() {
   Rect ink = states_.back().layerInk;
   states_.pop_back();
   PatternPtr layer(cairo_pop_group(cr_));
+  if (failed()) return;
   draw(GroupPrimitive(std::move(layer), /*isLayer=*/true,
                       DeviceRect{static_cast<int>(ink.minX()), static_cast<int>(ink.minY()),
                                  static_cast<int>(ink.width()), static_cast<int>(ink.height())}));
 }
 
 void GraphicsContext::drawWithCairo(const std::function<void(cairo_t*)>& paint) {
+  if (failed()) return;
   cairo_push_group(cr_);
   cairo_save(cr_);
   cairo_set_operator(cr_, CAIRO_OPERATOR_OVER);

@@ -30,6 +30,11 @@
 //   and composite as one object with the alpha, shadow, operation and clip in
 //   force when they began.
 // - Scaled images keep opaque edges.
+//
+// Paths from documents are not to be trusted, so every fill, stroke and clip
+// is measured first (see drawing_budget.h). One that would cost cairo too
+// much, or crash it, is refused: the context records why and draws nothing
+// more, and the caller reports failure() instead of a partial picture.
 #pragma once
 
 #include <cairo.h>
@@ -37,6 +42,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/values/affine_transform.h"
@@ -52,6 +58,8 @@ namespace paintdoc {
 
 namespace drawing {
 class Primitive;
+struct DeviceEdge;
+struct DeviceFrame;
 }
 
 // The standard deviation of the Gaussian that a shadow blur radius stands for:
@@ -80,6 +88,16 @@ class GraphicsContext {
   const std::shared_ptr<Bitmap>& bitmap() const { return bitmap_; }
   // Makes every drawing so far visible in the bitmap's pixels.
   void flush();
+
+  // --- refusal
+
+  // Marks the context as failed with a one-line reason (the first reason is
+  // kept). A failed context draws nothing more: its drawing calls return at
+  // once, and the picture so far is not to be shown.
+  void recordFailure(std::string reason);
+  bool failed() const { return !failure_.empty(); }
+  // Why the context failed; empty while it has not.
+  const std::string& failure() const { return failure_; }
 
   // --- graphics state
 
@@ -194,6 +212,9 @@ class GraphicsContext {
     // For a state that begins a layer: the device pixels drawn into the
     // layer so far (the zero rectangle when nothing was drawn).
     Rect layerInk;
+    // Device edges of the clipping paths in force that are not rectangles:
+    // cairo sweeps them together with every path drawn under them.
+    std::shared_ptr<const std::vector<drawing::DeviceEdge>> clipEdges;
   };
   const State& state() const { return states_.back(); }
   State& state() { return states_.back(); }
@@ -203,12 +224,21 @@ class GraphicsContext {
   Rect drawShadow(const drawing::Primitive& primitive);
   // Adds device pixels to the ink of the innermost open layer.
   void noteLayerInk(const Rect& devicePixels);
+  // The transform to device pixels, the visible device pixels and tolerance
+  // that the drawing budget measures paths in.
+  drawing::DeviceFrame deviceFrame() const;
+  const std::vector<drawing::DeviceEdge>& clipEdges() const;
+  // Records `refusal` as the failure when there is one; true if so.
+  bool refuse(const std::optional<std::string>& refusal);
+  // Strokes with the given colour once the dash has been settled.
+  void strokeWithColor(const BezierPath& path, const Color& color);
 
   std::shared_ptr<Bitmap> bitmap_;
   cairo_surface_t* surface_ = nullptr;
   cairo_t* cr_ = nullptr;
   cairo_matrix_t base_;        // default user space → device pixels
   std::vector<State> states_;  // back() is the current state
+  std::string failure_;        // empty until a primitive is refused
 };
 
 // Locks focus on a bitmap for the lifetime of the object.
