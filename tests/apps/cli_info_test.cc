@@ -1,8 +1,8 @@
 // `paintdoc info` in text and JSON, checked with an independent JSON reader.
 #include <gtest/gtest.h>
 
-#include "app_fixtures.h"
-#include "program_runner.h"
+#include "support/apps/app_fixtures.h"
+#include "support/apps/program_runner.h"
 #include "support/archive_fixtures.h"
 #include "support/test_paths.h"
 

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "app_fixtures.h"
-#include "program_runner.h"
+#include "support/apps/app_fixtures.h"
+#include "support/apps/program_runner.h"
 #include "support/test_paths.h"
 
 namespace paintdoc::test {

@@ -7,3 +7,8 @@ target_compile_definitions(test_apps PRIVATE
   PAINTDOC_APPS_DIR="$<TARGET_FILE_DIR:paintdoc-cli>"
   PAINTDOC_PLUGIN_PATH="$<TARGET_FILE:paintdoc-preview>")
 target_link_libraries(test_apps PRIVATE paintdoc_plugin_host paintdoc_plugin_entry_points)
+# The helpers that run the built programs need their paths above, so they are
+# compiled into this test program rather than into the shared support library.
+target_sources(test_apps PRIVATE
+  ${CMAKE_CURRENT_SOURCE_DIR}/support/apps/app_fixtures.cc
+  ${CMAKE_CURRENT_SOURCE_DIR}/support/apps/program_runner.cc)

@@ -4,7 +4,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include "app_fixtures.h"
+#include "support/apps/app_fixtures.h"
 #include "platform/values/bitmap.h"
 #include "plugin/plugin_interface.h"
 #include "plugin/plugin_registry.h"

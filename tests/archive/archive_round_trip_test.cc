@@ -3,7 +3,7 @@
 // object graphs.
 #include <gtest/gtest.h>
 
-#include "archive/archive_test_support.h"
+#include "support/archive_test_support.h"
 #include "archive/encoded_data.h"
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"

@@ -4,7 +4,7 @@
 // both forms (tests/archive/verify_written.py holds the expected structure).
 #include <gtest/gtest.h>
 
-#include "archive/archive_test_support.h"
+#include "support/archive_test_support.h"
 #include "archive/keyed_archiver.h"
 #include "archive/keyed_unarchiver.h"
 #include "archive/property_list.h"

@@ -3,7 +3,7 @@
 // gradients, transforms, paths, rich text and images.
 #include <gtest/gtest.h>
 
-#include "archive/archive_test_support.h"
+#include "support/archive_test_support.h"
 #include "archive/keyed_unarchiver.h"
 #include "platform/values/bitmap.h"
 #include "platform/values/log.h"

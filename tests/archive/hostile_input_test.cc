@@ -6,7 +6,7 @@
 
 #include <chrono>
 
-#include "archive/archive_test_support.h"
+#include "support/archive_test_support.h"
 #include "archive/keyed_unarchiver.h"
 #include "archive/property_list.h"
 #include "platform/values/log.h"
@@ -175,14 +175,84 @@ TEST(HostilePlist, DeepNestingIsBounded) {
   const Bytes text(xml.begin(), xml.end());
   EXPECT_TRUE(Contains(ReadError(text), "nest deeper than 512"));
 
-  // A lower limit is honoured.
-  RawPlist three;
-  three.objects = {Container(0xA, {1}), Container(0xA, {2}), Container(0xA, {})};
-  ArchiveLimits tight;
-  tight.maxDepth = 2;
-  EXPECT_FALSE(ReadError(three.build(), tight).empty());
-  tight.maxDepth = 3;
-  EXPECT_TRUE(PropertyList::read(SharedBytes(three.build()), tight, nullptr));
+}
+
+// Each limit at one below, at and one above what the file needs: the fault
+// hides at the boundary, where a ">" and a ">=" differ.
+TEST(HostilePlist, DepthAndObjectLimitsHoldExactlyAtTheirBoundary) {
+  // `levels` arrays each inside the next, as binary and as XML.
+  auto nestedBinary = [](uint64_t levels) {
+    RawPlist p;
+    for (uint64_t i = 0; i + 1 < levels; ++i) p.objects.push_back(Container(0xA, {i + 1}));
+    p.objects.push_back(Container(0xA, {}));
+    return p.build();
+  };
+  auto nestedXml = [](size_t levels) {
+    std::string xml = "<plist>";
+    for (size_t i = 0; i < levels; ++i) xml += "<array>";
+    for (size_t i = 0; i < levels; ++i) xml += "</array>";
+    xml += "</plist>";
+    return Bytes(xml.begin(), xml.end());
+  };
+  // An array of `count - 1` booleans: `count` objects.
+  auto manyBinary = [](uint64_t count) {
+    RawPlist p;
+    std::vector<uint64_t> refs;
+    for (uint64_t i = 1; i < count; ++i) refs.push_back(i);
+    p.objects = {Container(0xA, refs)};
+    p.objects.resize(count, Bytes{0x09});
+    return p.build();
+  };
+  struct Case {
+    const char* what;
+    Bytes bytes;
+    size_t ArchiveLimits::*limit;
+    size_t needed;
+  };
+  const Case cases[] = {
+      {"binary depth", nestedBinary(6), &ArchiveLimits::maxDepth, 6},
+      {"XML depth", nestedXml(6), &ArchiveLimits::maxDepth, 6},
+      {"binary objects", manyBinary(20), &ArchiveLimits::maxObjects, 20},
+  };
+  for (const Case& c : cases) {
+    for (size_t limit : {c.needed - 1, c.needed, c.needed + 1}) {
+      SCOPED_TRACE(std::string(c.what) + " limit " + std::to_string(limit));
+      ArchiveLimits limits;
+      limits.*c.limit = limit;
+      std::string error;
+      const bool read = PropertyList::read(SharedBytes(Bytes(c.bytes)), limits, &error).has_value();
+      EXPECT_EQ(read, limit >= c.needed) << error;
+    }
+  }
+}
+
+// A count whose payload ends exactly at the offset table is read; one unit
+// more runs past the objects. Data, ASCII, UTF-16 (two bytes a unit) and an
+// array (a 4-byte reference an element, to the boolean before it).
+TEST(HostilePlist, LengthsThatEndAtOrPastTheObjects) {
+  struct Case {
+    const char* what;
+    uint8_t type;
+    Bytes unit;
+  };
+  const Case cases[] = {{"data", 0x4, {'a'}},
+                        {"ASCII", 0x5, {'a'}},
+                        {"UTF-16", 0x6, {0, 'a'}},
+                        {"array", 0xA, {0, 0, 0, 0}}};
+  constexpr unsigned kUnits = 6;
+  for (const Case& c : cases) {
+    for (unsigned count : {kUnits - 1, kUnits, kUnits + 1}) {
+      SCOPED_TRACE(std::string(c.what) + " of " + std::to_string(count));
+      Bytes object = {static_cast<uint8_t>(c.type << 4 | count)};
+      for (unsigned i = 0; i < kUnits; ++i) object.insert(object.end(), c.unit.begin(), c.unit.end());
+      RawPlist p;
+      p.objects = {{0x09}, object};
+      p.top = 1;
+      std::string error;
+      const bool read = PropertyList::read(SharedBytes(p.build()), {}, &error).has_value();
+      EXPECT_EQ(read, count <= kUnits) << error;
+    }
+  }
 }
 
 TEST(HostilePlist, OverlappingObjectsCannotMultiplyTheTable) {
@@ -300,14 +370,21 @@ Bytes NodeChain(uint64_t length) {
 
 TEST(HostileArchive, ObjectNestingIsBounded) {
   test::RegisterTestClasses();
-  // A short chain decodes whole.
-  {
-    KeyedUnarchiver coder{SharedBytes(NodeChain(10))};
+  // A chain as deep as the limit decodes whole; one object deeper does not.
+  ArchiveLimits limits;
+  limits.maxDepth = 10;
+  for (int length : {9, 10, 11}) {
+    SCOPED_TRACE(length);
+    LogCapture quiet;
+    KeyedUnarchiver coder{SharedBytes(NodeChain(length)), limits};
     ASSERT_TRUE(coder.isValid()) << coder.error();
     auto node = coder.decodeObjectForKey<test::TestNode>("root");
-    int length = 0;
-    for (; node; node = node->partner) ++length;
-    EXPECT_EQ(length, 10);
+    int decoded = 0;
+    for (; node; node = node->partner) ++decoded;
+    EXPECT_EQ(coder.isValid(), length <= 10) << coder.error();
+    if (length <= 10) {
+      EXPECT_EQ(decoded, length);
+    }
   }
   // 100,000 objects each inside the next: stopped at the depth limit with an
   // error, not a stack overflow.

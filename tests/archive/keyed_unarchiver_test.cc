@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "archive/archive_test_support.h"
+#include "support/archive_test_support.h"
 #include "archive/encoded_data.h"
 #include "archive/keyed_unarchiver.h"
 #include "platform/values/log.h"

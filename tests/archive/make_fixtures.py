@@ -11,58 +11,24 @@ import os
 import plistlib
 import struct
 import sys
-import zlib
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+OUT = os.path.join(HERE, "..", "data", "archive")
+sys.path.insert(0, os.path.join(HERE, "..", "data"))
+from keyed_archive_tool import Archive as KeyedArchive  # noqa: E402
 
 UID = plistlib.UID
-OUT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data", "archive")
 
 
-class Archive:
-    """The "$objects" table of one keyed archive under construction."""
-
-    def __init__(self):
-        self.objects = ["$null"]
-        self.classes = {}
-
-    def reserve(self):
-        self.objects.append(None)
-        return UID(len(self.objects) - 1)
-
-    def bare(self, value):
-        """A bare string, number or data object."""
-        self.objects.append(value)
-        return UID(len(self.objects) - 1)
-
-    def cls(self, *chain):
-        if chain not in self.classes:
-            self.classes[chain] = self.bare({"$classname": chain[0], "$classes": list(chain)})
-        return self.classes[chain]
+class Archive(KeyedArchive):
+    """Lays objects out as the platform's archiver does: an object takes its
+    place before its class description, and dictionaries keep their order."""
 
     def obj(self, chain, fields, uid=None):
-        if uid is None:
-            uid = self.reserve()
-        entry = {"$class": self.cls(*chain)}
-        entry.update(fields)
-        self.objects[uid.data] = entry
-        return uid
+        return self.instance(chain, fields, self.reserve() if uid is None else uid)
 
     def archive(self, top, fmt=plistlib.FMT_BINARY):
-        root = {"$version": 100000, "$archiver": "NSKeyedArchiver", "$top": top,
-                "$objects": self.objects}
-        if fmt == plistlib.FMT_XML:
-            root = xml_uids(root)
-        return plistlib.dumps(root, fmt=fmt, sort_keys=False)
-
-
-def xml_uids(value):
-    """XML archives write each UID as a dictionary {"CF$UID": n}."""
-    if isinstance(value, UID):
-        return {"CF$UID": value.data}
-    if isinstance(value, dict):
-        return {k: xml_uids(v) for k, v in value.items()}
-    if isinstance(value, list):
-        return [xml_uids(v) for v in value]
-    return value
+        return self.bytes(top, fmt, sort_keys=False)
 
 
 def write(name, data):
@@ -106,39 +72,39 @@ def foundation():
         "Version": 10,
         "Resolution": 72,
         # Objects.
-        "Point": a.bare("{1.5, -2}"),
-        "Size": a.bare("{62, 62}"),
-        "Rect": a.bare("{{-269, -168.5}, {538, 337}}"),
-        "LongRect": a.bare("{{1, 116.45652049779892}, {235, 16}}"),
-        "Title": a.bare("Hello"),
-        "Unicode": a.bare("Gr\u00fc\u00dfe \u2713 \U0001F600"),
+        "Point": a.add("{1.5, -2}"),
+        "Size": a.add("{62, 62}"),
+        "Rect": a.add("{{-269, -168.5}, {538, 337}}"),
+        "LongRect": a.add("{{1, 116.45652049779892}, {235, 16}}"),
+        "Title": a.add("Hello"),
+        "Unicode": a.add("Gr\u00fc\u00dfe \u2713 \U0001F600"),
         "MutableTitle": a.obj(("NSMutableString", "NSString", NSOBJ), {"NS.string": "Mutable"}),
         "OldMutable": a.obj(("NSMutableString", "NSString", NSOBJ),
                             {"NS.bytes": "caf\u00e9".encode("utf-8")}),
-        "Data": a.bare(b"data\x00bytes"),
+        "Data": a.add(b"data\x00bytes"),
         "MutableData": a.obj(("NSMutableData", "NSData", NSOBJ), {"NS.data": b"\x10\x20"}),
-        "Number": a.bare(42),
-        "RealNumber": a.bare(0.125),
-        "Array": array(a, [a.bare("a"), a.bare(1), a.bare(2.5)]),
-        "MutableArray": array(a, [a.bare("m")], mutable=True),
-        "OldArray": a.obj(("NSArray", NSOBJ), {"NS.object.0": a.bare("x"),
-                                               "NS.object.1": a.bare("y")}),
-        "Dictionary": dictionary(a, [a.bare("one"), a.bare("two")], [a.bare(1), a.bare(2)]),
+        "Number": a.add(42),
+        "RealNumber": a.add(0.125),
+        "Array": array(a, [a.add("a"), a.add(1), a.add(2.5)]),
+        "MutableArray": array(a, [a.add("m")], mutable=True),
+        "OldArray": a.obj(("NSArray", NSOBJ), {"NS.object.0": a.add("x"),
+                                               "NS.object.1": a.add("y")}),
+        "Dictionary": dictionary(a, [a.add("one"), a.add("two")], [a.add(1), a.add(2)]),
         "OldDictionary": a.obj(("NSDictionary", NSOBJ),
-                               {"NS.key.0": a.bare("k"), "NS.object.0": a.bare("v")}),
-        "Set": a.obj(("NSSet", NSOBJ), {"NS.objects": [a.bare(3), a.bare(4)]}),
-        "OrderedSet": a.obj(("NSOrderedSet", NSOBJ), {"NS.object.0": a.bare("first"),
-                                                      "NS.object.1": a.bare("second")}),
+                               {"NS.key.0": a.add("k"), "NS.object.0": a.add("v")}),
+        "Set": a.obj(("NSSet", NSOBJ), {"NS.objects": [a.add(3), a.add(4)]}),
+        "OrderedSet": a.obj(("NSOrderedSet", NSOBJ), {"NS.object.0": a.add("first"),
+                                                      "NS.object.1": a.add("second")}),
         "Null": a.obj(("NSNull", NSOBJ), {}),
         "DateObject": a.obj(("NSDate", NSOBJ), {"NS.time": 86400.5}),
-        "PointValue": a.obj(("NSValue", NSOBJ), {"NS.special": 1, "NS.pointval": a.bare("{3, 4}")}),
-        "SizeValue": a.obj(("NSValue", NSOBJ), {"NS.special": 2, "NS.sizeval": a.bare("{5, 6}")}),
+        "PointValue": a.obj(("NSValue", NSOBJ), {"NS.special": 1, "NS.pointval": a.add("{3, 4}")}),
+        "SizeValue": a.obj(("NSValue", NSOBJ), {"NS.special": 2, "NS.sizeval": a.add("{5, 6}")}),
         "RectValue": a.obj(("NSValue", NSOBJ),
-                           {"NS.special": 3, "NS.rectval": a.bare("{{1, 2}, {3, 4}}")}),
+                           {"NS.special": 3, "NS.rectval": a.add("{{1, 2}, {3, 4}}")}),
         "RangeValue": a.obj(("NSValue", NSOBJ), {"NS.special": 4, "NS.rangeval.location": 5,
                                                  "NS.rangeval.length": 7}),
-        "Mixed": dictionary(a, [a.bare("name"), a.bare("list")],
-                            [a.bare("layer"), array(a, [a.bare(True), a.bare(-1)])]),
+        "Mixed": dictionary(a, [a.add("name"), a.add("list")],
+                            [a.add("layer"), array(a, [a.add(True), a.add(-1)])]),
     }
     write("foundation.plist", a.archive(top))
     write("foundation_xml.plist", a.archive(top, fmt=plistlib.FMT_XML))
@@ -162,8 +128,8 @@ def colors():
     gray22 = a.obj(("NSColorSpace", NSOBJ), {"NSID": 9, "NSModel": 0, "NSICC": b"gray"})
     odd_space = a.obj(("NSColorSpace", NSOBJ), {"NSID": 99})
     fallback = color(NSColorSpace=1, NSRGB=b"0.1 0.2 0.3\x00")
-    inner_catalog = color(NSColorSpace=6, NSCatalogName=a.bare("Custom"),
-                          NSColorName=a.bare("deeper"), NSColor=fallback)
+    inner_catalog = color(NSColorSpace=6, NSCatalogName=a.add("Custom"),
+                          NSColorName=a.add("deeper"), NSColor=fallback)
     top = {
         "CalibratedRGB": color(NSColorSpace=1, NSRGB=b"1 0 0\x00"),
         "CalibratedRGBA": color(NSColorSpace=1,
@@ -184,13 +150,13 @@ def colors():
                         NSCustomColorSpace=gray22),
         "UnknownSpace": color(NSColorSpace=1, NSRGB=b"0.2 0.4 0.6\x00",
                               NSComponents=b"9 9 9 1", NSCustomColorSpace=odd_space),
-        "CatalogKnown": color(NSColorSpace=6, NSCatalogName=a.bare("System"),
-                              NSColorName=a.bare("textColor"),
+        "CatalogKnown": color(NSColorSpace=6, NSCatalogName=a.add("System"),
+                              NSColorName=a.add("textColor"),
                               NSColor=color(NSColorSpace=3, NSWhite=b"0\x00")),
-        "CatalogUnknown": color(NSColorSpace=6, NSCatalogName=a.bare("System"),
-                                NSColorName=a.bare("noSuchColor"), NSColor=fallback),
-        "CatalogNested": color(NSColorSpace=6, NSCatalogName=a.bare("Custom"),
-                               NSColorName=a.bare("outer"), NSColor=inner_catalog),
+        "CatalogUnknown": color(NSColorSpace=6, NSCatalogName=a.add("System"),
+                                NSColorName=a.add("noSuchColor"), NSColor=fallback),
+        "CatalogNested": color(NSColorSpace=6, NSCatalogName=a.add("Custom"),
+                               NSColorName=a.add("outer"), NSColor=inner_catalog),
         "Pattern": color(NSColorSpace=10),
         "Garbage": color(NSColorSpace=1, NSRGB=b"0.5 x 7\x00"),
     }
@@ -233,7 +199,7 @@ def graphics():
         "ShadowEmpty": a.obj(("NSShadow", NSOBJ), {}),
         "Gradient": a.obj(("NSGradient", NSOBJ), {
             "NSColors": array(a, [red, blue]),
-            "NSLocations": array(a, [a.bare(0.0), a.bare(0.75)]),
+            "NSLocations": array(a, [a.add(0.0), a.add(0.75)]),
             "NSColorSpace": a.obj(("NSColorSpace", NSOBJ), {"NSID": 1})}),
         "GradientNoLocations": a.obj(("NSGradient", NSOBJ), {
             "NSColors": array(a, [red, blue, red])}),
@@ -267,9 +233,9 @@ def graphics():
 
 def text():
     a = Archive()
-    font = a.obj(("NSFont", NSOBJ), {"NSName": a.bare("Avenir-Book"), "NSSize": 14.0,
+    font = a.obj(("NSFont", NSOBJ), {"NSName": a.add("Avenir-Book"), "NSSize": 14.0,
                                      "NSfFlags": 16})
-    bold = a.obj(("NSFont", NSOBJ), {"NSName": a.bare("Avenir-Heavy"), "NSSize": 14.0,
+    bold = a.obj(("NSFont", NSOBJ), {"NSName": a.add("Avenir-Heavy"), "NSSize": 14.0,
                                      "NSfFlags": 16})
     srgb = a.obj(("NSColorSpace", NSOBJ), {"NSID": 7})
     red = a.obj(COLOR, {"NSColorSpace": 1, "NSRGB": b"0.9859541655 0 0.02694000863\x00",
@@ -283,11 +249,11 @@ def text():
         "NSLineBreakMode": 4, "NSTighteningFactorForTruncation": 0.1})
     default_style = a.obj(("NSParagraphStyle", NSOBJ), {
         "NSAlignment": 4, "NSTabStops": UID(0), "NSAllowsTighteningForTruncation": 1})
-    plain_keys = [a.bare("NSFont"), a.bare("NSParagraphStyle")]
+    plain_keys = [a.add("NSFont"), a.add("NSParagraphStyle")]
     plain = dictionary(a, plain_keys, [font, default_style])
-    strong = dictionary(a, [a.bare("NSFont"), a.bare("NSColor"), a.bare("NSUnderline"),
-                            a.bare("NSParagraphStyle"), a.bare("NSKern")],
-                        [bold, red, a.bare(1 | 0x200), centred, a.bare(1.5)])
+    strong = dictionary(a, [a.add("NSFont"), a.add("NSColor"), a.add("NSUnderline"),
+                            a.add("NSParagraphStyle"), a.add("NSKern")],
+                        [bold, red, a.add(1 | 0x200), centred, a.add(1.5)])
     # "Hello " plain, "bold" strong, " world" plain: runs 6/0, 4/1, 6/0.
     storage = a.obj(("NSTextStorage", "NSMutableAttributedString", "NSAttributedString", NSOBJ), {
         "NSString": a.obj(("NSMutableString", "NSString", NSOBJ), {"NS.string": "Hello bold world"}),
@@ -296,15 +262,15 @@ def text():
                                  {"NS.data": bytes([6, 0, 4, 1, 6, 0])}),
         "NSDelegate": UID(0)})
     single = a.obj(("NSAttributedString", NSOBJ), {
-        "NSString": a.bare("caf\u00e9 \U0001F600"), "NSAttributes": plain})
+        "NSString": a.add("caf\u00e9 \U0001F600"), "NSAttributes": plain})
     long_text = "x" * 300 + "y\u00e9"
     long_runs = a.obj(("NSMutableAttributedString", "NSAttributedString", NSOBJ), {
-        "NSString": a.bare(long_text), "NSAttributes": array(a, [plain, strong]),
+        "NSString": a.add(long_text), "NSAttributes": array(a, [plain, strong]),
         "NSAttributeInfo": bytes([0xAC, 0x02, 1, 2, 0])})  # bare data, as GNUstep writes
     broken = a.obj(("NSAttributedString", NSOBJ), {
-        "NSString": a.bare("abcdef"), "NSAttributes": array(a, [strong, plain]),
+        "NSString": a.add("abcdef"), "NSAttributes": array(a, [strong, plain]),
         "NSAttributeInfo": bytes([3, 0, 3, 5])})  # dictionary 5 does not exist
-    empty = a.obj(("NSAttributedString", NSOBJ), {"NSString": a.bare("")})
+    empty = a.obj(("NSAttributedString", NSOBJ), {"NSString": a.add("")})
     top = {"Storage": storage, "Single": single, "LongRuns": long_runs, "Broken": broken,
            "Empty": empty, "Font": font, "DefaultStyle": default_style}
     write("text.plist", a.archive(top))
@@ -368,14 +334,14 @@ def images():
     a = Archive()
     tiff = tiff_rgba(2, 2, IMAGE_PIXELS, dpi=144)
     rep = a.obj(("NSBitmapImageRep", "NSImageRep", NSOBJ),
-                {"NSTIFFRepresentation": a.bare(tiff), "NSInternalLayoutDirection": 0})
+                {"NSTIFFRepresentation": a.add(tiff), "NSInternalLayoutDirection": 0})
     clear = a.obj(COLOR, {"NSColorSpace": 3, "NSWhite": b"0 0\x00"})
     image = a.obj(("NSImage", NSOBJ), {
-        "NSReps": array(a, [array(a, [a.bare(0), rep])], mutable=True),
-        "NSSize": a.bare("{1, 1}"), "NSColor": clear, "NSImageFlags": 0x20C00000,
+        "NSReps": array(a, [array(a, [a.add(0), rep])], mutable=True),
+        "NSSize": a.add("{1, 1}"), "NSColor": clear, "NSImageFlags": 0x20C00000,
         "NSResizingMode": 0})
     bad = a.obj(("NSBitmapImageRep", "NSImageRep", NSOBJ),
-                {"NSTIFFRepresentation": a.bare(b"MM\x00\x2a\x00\x00\x00\x08 truncated")})
+                {"NSTIFFRepresentation": a.add(b"MM\x00\x2a\x00\x00\x00\x08 truncated")})
     top = {"Image": image, "Rep": rep, "SameRep": rep, "BadRep": bad}
     write("image.plist", a.archive(top))
     write("image_2x2.tiff", tiff)
@@ -388,17 +354,17 @@ def objects():
     a = Archive()
     node = ("TestNode", NSOBJ)
     leaf = ("TestLeaf", "TestNode", NSOBJ)
-    shared = a.obj(leaf, {"Name": a.bare("shared"), "Weight": 2.5})
+    shared = a.obj(leaf, {"Name": a.add("shared"), "Weight": 2.5})
     loop = a.reserve()
-    a.obj(node, {"Name": a.bare("loop"), "Partner": loop}, uid=loop)
-    mystery = a.obj(("MysteryDraw", "TestNode", NSOBJ), {"Name": a.bare("unknown")})
-    refusing = a.obj(node, {"Name": a.bare("refuse")})
+    a.obj(node, {"Name": a.add("loop"), "Partner": loop}, uid=loop)
+    mystery = a.obj(("MysteryDraw", "TestNode", NSOBJ), {"Name": a.add("unknown")})
+    refusing = a.obj(node, {"Name": a.add("refuse")})
     root = a.obj(node, {
-        "Name": a.bare("root"),
-        "Children": array(a, [shared, mystery, a.obj(leaf, {"Name": a.bare("second")}),
-                              shared, refusing, a.bare("not an object")], mutable=True),
+        "Name": a.add("root"),
+        "Children": array(a, [shared, mystery, a.obj(leaf, {"Name": a.add("second")}),
+                              shared, refusing, a.add("not an object")], mutable=True),
         "Partner": shared})
-    top = {"root": root, "Loop": loop, "Mystery": mystery, "Text": a.bare("just text")}
+    top = {"root": root, "Loop": loop, "Mystery": mystery, "Text": a.add("just text")}
     write("objects.plist", a.archive(top))
 
 
@@ -406,11 +372,11 @@ def objects():
 
 def container():
     inner = Archive()
-    inner_root = inner.obj(("TestNode", NSOBJ), {"Name": inner.bare("canvas")})
+    inner_root = inner.obj(("TestNode", NSOBJ), {"Name": inner.add("canvas")})
     paint_data = inner.archive({"root": inner_root})
     outer = Archive()
     write("container.plist", outer.archive(
-        {"PaintData": outer.bare(paint_data), "Resolution": 72.0, "Version": 10}))
+        {"PaintData": outer.add(paint_data), "Resolution": 72.0, "Version": 10}))
     # Not keyed archives at all, or missing their parts.
     write("plain_dictionary.plist", plistlib.dumps({"a": 1}, fmt=plistlib.FMT_BINARY))
     write("no_objects.plist", plistlib.dumps(

@@ -4,7 +4,8 @@
 It builds keyed archives by hand with plistlib (binary or XML property lists,
 UIDs, $objects, $classes chains) without any of the library's code, so that
 the library's reader is checked against a second implementation, and it
-dumps what the library's writer produced.
+dumps what the library's writer produced. tests/archive/make_fixtures.py
+builds the checked-in archive fixtures with the same Archive class.
 
   keyed_archive_tool.py write SCENARIO OUT   write one of the scenarios below
   keyed_archive_tool.py dump FILE            print the canvas archive as JSON
@@ -25,15 +26,22 @@ class Archive:
         self.objects.append(value)
         return UID(len(self.objects) - 1)
 
+    def reserve(self):
+        """A place for an object filled in later (by instance(..., uid=)),
+        so that an object can refer to itself."""
+        return self.add(None)
+
     def class_of(self, *chain):
         if chain not in self.classes:
             self.classes[chain] = self.add({"$classname": chain[0], "$classes": list(chain)})
         return self.classes[chain]
 
-    def instance(self, chain, fields):
-        record = dict(fields)
-        record["$class"] = self.class_of(*chain)
-        return self.add(record)
+    def instance(self, chain, fields, uid=None):
+        record = {"$class": self.class_of(*chain), **fields}
+        if uid is None:
+            return self.add(record)
+        self.objects[uid.data] = record
+        return uid
 
     def array(self, uids):
         return self.instance(("NSMutableArray", "NSArray", "NSObject"), {"NS.objects": list(uids)})
@@ -68,12 +76,14 @@ class Archive:
                              {"NSShadowHoriz": dx, "NSShadowVert": dy,
                               "NSShadowBlurRadius": blur, "NSShadowColor": color})
 
-    def bytes(self, top, fmt=plistlib.FMT_BINARY):
-        archive = {"$archiver": "NSKeyedArchiver", "$version": 100000,
+    def bytes(self, top, fmt=plistlib.FMT_BINARY, sort_keys=True):
+        """The archive; with sort_keys=False each dictionary keeps the order
+        it was built in, as the platform's archiver writes it."""
+        archive = {"$version": 100000, "$archiver": "NSKeyedArchiver",
                    "$top": top, "$objects": self.objects}
         if fmt == plistlib.FMT_XML:
             archive = xml_form(archive)
-        return plistlib.dumps(archive, fmt=fmt)
+        return plistlib.dumps(archive, fmt=fmt, sort_keys=sort_keys)
 
 
 def xml_form(value):

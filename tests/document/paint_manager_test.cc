@@ -52,7 +52,6 @@ TEST(PaintManagerCreation, WithSizeTruncatesSetSizeRoundsHalvesAwayFromZero) {
   EXPECT_TRUE(canvas->allDraws().empty());
   EXPECT_EQ(canvas->backgroundDraw(), nullptr);
   EXPECT_FALSE(canvas->maskBackground());
-  EXPECT_EQ(PaintManager::version(), 10);
 }
 
 TEST(PaintManagerCreation, FromAnImageTheImageIsTheOnlyDrawAndTheBackground) {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "fixture_file.h"
+#include "support/fixture_file.h"
 
 namespace paintdoc {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "fixture_file.h"
+#include "support/fixture_file.h"
 #include "geometry/arrow_path.h"
 #include "geometry/path_edits.h"
 #include "geometry/rotation.h"

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "fixture_file.h"
+#include "support/fixture_file.h"
 #include "geometry/bezier_math.h"
 
 namespace paintdoc {

@@ -6,7 +6,7 @@
 #include <numbers>
 #include <utility>
 
-#include "fixture_file.h"
+#include "support/fixture_file.h"
 #include "geometry/ellipse_point.h"
 #include "geometry/knob_position.h"
 

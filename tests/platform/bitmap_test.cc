@@ -22,7 +22,11 @@ TEST(Bitmap, NewBitmapIsClearedWithPointSizeOfItsPixels) {
 TEST(Bitmap, ImpossibleSizesAreRefusedWithAnError) {
   LogCapture log;
   EXPECT_FALSE(Bitmap::create(-1, 5));
-  EXPECT_FALSE(Bitmap::create(5, Bitmap::kMaxDimension + 1));
+  for (int side : {Bitmap::kMaxDimension - 1, Bitmap::kMaxDimension, Bitmap::kMaxDimension + 1}) {
+    const bool fits = side <= Bitmap::kMaxDimension;
+    EXPECT_EQ(Bitmap::create(side, 1) != nullptr, fits) << side;
+    EXPECT_EQ(Bitmap::create(1, side) != nullptr, fits) << side;
+  }
   EXPECT_TRUE(log.contains("Error: "));
   auto empty = Bitmap::create(0, 4);
   ASSERT_TRUE(empty);

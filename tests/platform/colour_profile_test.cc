@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "image_test_files.h"
+#include "support/image_test_files.h"
 #include "platform/codecs/image_codecs.h"
 #include "platform/values/log.h"
 

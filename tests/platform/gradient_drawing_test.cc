@@ -8,7 +8,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "platform/drawing_test_support.h"
+#include "support/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 

@@ -9,7 +9,7 @@
 #include <functional>
 #include <random>
 
-#include "image_test_files.h"
+#include "support/image_test_files.h"
 #include "platform/values/file_bytes.h"
 #include "support/golden_image.h"
 #include "support/test_paths.h"
@@ -263,21 +263,38 @@ TEST(ImageCodecs, BmpResolutionSetsThePointSize) {
 
 // --- bad input
 
-TEST(ImageCodecs, ImagesAboveThePixelLimitAreRefusedBeforeDecoding) {
-  auto card = TestCard();
-  auto png = *WritePNG(*card);
-  DecodedImage limited = ReadImage(png, {.maxPixels = 19});
-  EXPECT_FALSE(limited);
-  EXPECT_NE(limited.error.find("above the limit of 19 pixels"), std::string::npos)
-      << limited.error;
+// The pixel limit at one below, at and one above the image's pixels; a side
+// above Bitmap::kMaxDimension is refused from the header alone. The BMPs
+// claim their size in the header and carry no pixels: nothing is decoded.
+TEST(ImageCodecs, PixelLimitsHoldExactlyAtTheirBoundary) {
+  const auto png = *WritePNG(*TestCard());  // 20 pixels
+  const auto bmp = MakeBmp(300, 200, 24, 0, {}, {0, 0, 0, 0});
+  struct Case {
+    const char* what;
+    const std::vector<uint8_t>& bytes;
+    uint64_t pixels;
+  };
+  for (const Case& c : {Case{"PNG", png, 20}, Case{"BMP", bmp, 300 * 200}}) {
+    for (uint64_t limit : {c.pixels - 1, c.pixels, c.pixels + 1}) {
+      SCOPED_TRACE(std::string(c.what) + " limit " + std::to_string(limit));
+      const std::string error = ReadImage(c.bytes, {.maxPixels = limit}).error;
+      const bool refused = error.find("above the limit of " + std::to_string(limit) + " pixels") !=
+                           std::string::npos;
+      EXPECT_EQ(refused, limit < c.pixels) << error;
+    }
+  }
   EXPECT_TRUE(ReadImage(png, {.maxPixels = 20}));
 
-  // A BMP header claiming 30000 × 30000 pixels (900 megapixels) with no data.
+  // A header claiming 30000 × 30000 pixels (900 megapixels): the default limit.
   DecodedImage huge = ReadImage(MakeBmp(30000, 30000, 24, 0, {}, {0, 0, 0, 0}));
-  EXPECT_FALSE(huge);
   EXPECT_NE(huge.error.find("above the limit"), std::string::npos) << huge.error;
-  DecodedImage wide = ReadImage(MakeBmp(40000, 1, 24, 0, {}, {0, 0, 0, 0}));
-  EXPECT_NE(wide.error.find("too large"), std::string::npos) << wide.error;
+  for (int32_t side : {Bitmap::kMaxDimension - 1, Bitmap::kMaxDimension, Bitmap::kMaxDimension + 1}) {
+    SCOPED_TRACE(side);
+    const std::string wide = ReadImage(MakeBmp(side, 1, 24, 0, {}, {0, 0, 0, 0})).error;
+    const std::string tall = ReadImage(MakeBmp(1, side, 24, 0, {}, {0, 0, 0, 0})).error;
+    EXPECT_EQ(wide.find("too large") != std::string::npos, side > Bitmap::kMaxDimension) << wide;
+    EXPECT_EQ(tall.find("too large") != std::string::npos, side > Bitmap::kMaxDimension) << tall;
+  }
 }
 
 TEST(ImageCodecs, MalformedInputGivesAClearError) {

@@ -3,7 +3,7 @@
 // bitmaps' resolutions, with shadows of their own alpha.
 #include <gtest/gtest.h>
 
-#include "platform/drawing_test_support.h"
+#include "support/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 

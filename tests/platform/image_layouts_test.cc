@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "image_test_files.h"
+#include "support/image_test_files.h"
 #include "platform/codecs/image_codecs.h"
 #include "support/golden_image.h"
 

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/drawing_test_support.h"
+#include "support/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 

@@ -3,7 +3,7 @@
 // blurred with σ has the value Φ((x − a)/σ) − Φ((x − b)/σ) at x.
 #include <gtest/gtest.h>
 
-#include "platform/drawing_test_support.h"
+#include "support/drawing_test_support.h"
 #include "support/golden_image.h"
 #include "support/pixel_math.h"
 

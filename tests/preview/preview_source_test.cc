@@ -115,36 +115,58 @@ TEST(PreviewSource, FilesAreRecognisedByTheirBytesNotTheirName) {
   EXPECT_NE(missing.diagnosis.find("no-such-file"), std::string::npos);
 }
 
-TEST(PreviewLimits, EachLimitRefusesWithItsOwnReason) {
+// Each limit at one below, at and one above what the file needs: refused
+// with the limit's own status below, read at and above.
+TEST(PreviewLimits, EachLimitHoldsExactlyAtItsBoundary) {
   const auto document = Container(CanvasArchive({300, 200}), 10);
-  PreviewLimits small;
-  small.maxFileBytes = document.size() - 1;
-  EXPECT_EQ(Read(document, PreviewKind::Preview, small).status, PreviewStatus::Unreadable);
-
+  const auto png = TwoByTwoPng();
+  struct Case {
+    const char* what;
+    const std::vector<uint8_t>& bytes;
+    double needed;
+    void (*set)(PreviewLimits&, double);
+    PreviewStatus refused, read;
+  };
+  const Case cases[] = {
+      {"file bytes", document, double(document.size()),
+       [](PreviewLimits& l, double v) { l.maxFileBytes = uint64_t(v); }, PreviewStatus::Unreadable,
+       PreviewStatus::Document},
+      {"canvas side", document, 300, [](PreviewLimits& l, double v) { l.maxCanvasSide = v; },
+       PreviewStatus::SizeRefused, PreviewStatus::Document},
+      {"canvas pixels", document, 300 * 200,
+       [](PreviewLimits& l, double v) { l.maxCanvasPixels = v; }, PreviewStatus::SizeRefused,
+       PreviewStatus::Document},
+      {"image pixels", png, 4, [](PreviewLimits& l, double v) { l.maxImagePixels = uint64_t(v); },
+       PreviewStatus::NotAnImage, PreviewStatus::Image},
+  };
+  for (const Case& c : cases) {
+    for (double limit : {c.needed - 1, c.needed, c.needed + 1}) {
+      SCOPED_TRACE(std::string(c.what) + " limit " + std::to_string(limit));
+      PreviewLimits limits;
+      c.set(limits, limit);
+      EXPECT_EQ(Read(c.bytes, PreviewKind::Preview, limits).status,
+                limit < c.needed ? c.refused : c.read);
+    }
+  }
   PreviewLimits side;
   side.maxCanvasSide = 250;
-  const PreviewSource wide = Read(document, PreviewKind::Preview, side);
-  EXPECT_EQ(wide.status, PreviewStatus::SizeRefused);
-  EXPECT_EQ(wide.diagnosis, "content size 300 x 200 exceeds the limit of 250 a side");
-
-  PreviewLimits area;
-  area.maxCanvasPixels = 300 * 200 - 1;
-  EXPECT_EQ(Read(document, PreviewKind::Preview, area).status, PreviewStatus::SizeRefused);
-
+  EXPECT_EQ(Read(document, PreviewKind::Preview, side).diagnosis,
+            "content size 300 x 200 exceeds the limit of 250 a side");
   PreviewLimits objects;
   objects.archive.maxObjects = 5;
   EXPECT_NE(Read(document, PreviewKind::Preview, objects).status, PreviewStatus::Document);
-
-  PreviewLimits pixels;
-  pixels.maxImagePixels = 3;
-  EXPECT_EQ(Read(TwoByTwoPng(), PreviewKind::Preview, pixels).status, PreviewStatus::NotAnImage);
 }
 
+// The default limits: 32767 a side and 2^28 pixels in all.
 TEST(PreviewLimits, DefaultsRefuseOversizedAndInvalidCanvases) {
-  for (const auto& [size, status] : {std::pair{Size{32768, 10}, PreviewStatus::SizeRefused},
-                                     std::pair{Size{20000, 20000}, PreviewStatus::SizeRefused},
-                                     std::pair{Size{32767, 10}, PreviewStatus::Document}}) {
-    EXPECT_EQ(Read(Container(CanvasArchive(size), 10)).status, status) << size.width;
+  const std::pair<Size, PreviewStatus> cases[] = {
+      {{32766, 10}, PreviewStatus::Document},       {{32767, 10}, PreviewStatus::Document},
+      {{32768, 10}, PreviewStatus::SizeRefused},    {{16384, 16383}, PreviewStatus::Document},
+      {{16384, 16384}, PreviewStatus::Document},    {{16384, 16385}, PreviewStatus::SizeRefused},
+  };
+  for (const auto& [size, status] : cases) {
+    SCOPED_TRACE(std::to_string(size.width) + " x " + std::to_string(size.height));
+    EXPECT_EQ(Read(Container(CanvasArchive(size), 10)).status, status);
   }
   RegisterAllClasses();
   const auto negative = test::ArchiveRoot(test::KeysAs("PaintManager", [](KeyedArchiver& c) {

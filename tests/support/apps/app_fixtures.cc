@@ -1,4 +1,4 @@
-#include "app_fixtures.h"
+#include "support/apps/app_fixtures.h"
 
 #include <fstream>
 #include <iterator>

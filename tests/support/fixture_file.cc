@@ -1,4 +1,4 @@
-#include "fixture_file.h"
+#include "support/fixture_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "archive/archive_test_support.h"
+#include "support/archive_test_support.h"
 
 #include <gtest/gtest.h>
 
