@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "platform/graphics/graphics_context.h"
-#include "platform/drawing_test_support.h"
+#include "support/drawing_test_support.h"
 #include "support/golden_image.h"
 
 namespace paintdoc {
