@@ -7,3 +7,6 @@ target_compile_definitions(test_apps PRIVATE
   PAINTDOC_APPS_DIR="$<TARGET_FILE_DIR:paintdoc-cli>"
   PAINTDOC_PLUGIN_PATH="$<TARGET_FILE:paintdoc-preview>")
 target_link_libraries(test_apps PRIVATE paintdoc_plugin_host paintdoc_plugin_entry_points)
+# The thumbnail cache's hash is checked against the RFC's test suite in process.
+target_sources(test_apps PRIVATE ${PROJECT_SOURCE_DIR}/apps/md5.cc)
+target_include_directories(test_apps PRIVATE ${PROJECT_SOURCE_DIR}/apps)
