@@ -16,12 +16,27 @@ constexpr const char* kUsage =
     "  paintdoc thumbnail FILE OUT.png [-s SIZE]\n"
     "                                         the preview fitted into SIZE x SIZE\n"
     "                                         (default 256), never enlarged\n"
+    "  paintdoc thumbnail FILE... -o DIR [-s SIZE]\n"
+    "                                         thumbnails of many files on every core,\n"
+    "                                         each as DIR/<file name>.png\n"
+    "  paintdoc thumbnail FILE... --freedesktop [-s SIZE]\n"
+    "                                         into the freedesktop thumbnail cache\n"
+    "                                         ($XDG_CACHE_HOME or ~/.cache/thumbnails):\n"
+    "                                         normal, large, x-large or xx-large, the\n"
+    "                                         smallest that holds SIZE (up to 1024);\n"
+    "                                         refused files recorded under fail/\n"
     "  paintdoc info FILE [--json]            format version, canvas and layers\n"
     "  paintdoc --help | --version\n"
     "\n"
     "FILE is a paint document or a plain image (PNG, JPEG, TIFF, GIF, WebP, BMP).\n"
     "Exit status: 0 success, 1 file refused or nothing drawn, 2 wrong arguments,\n"
-    "3 output not written. A failure prints one line on standard error.\n";
+    "3 output not written. A failure prints one line on standard error.\n"
+    "\n"
+    "Many files: each failing file is one line on standard error and the rest go\n"
+    "on; a progress bar shows on a terminal; a summary line ends standard output.\n"
+    "Two files of the same name in -o DIR: the first named keeps DIR/<name>.png,\n"
+    "the others are not written. Exit status 3 when any output was not written,\n"
+    "else 1 when any file was refused, else 0.\n";
 
 bool IsHelp(const std::string& argument) { return argument == "--help" || argument == "-h"; }
 

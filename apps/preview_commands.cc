@@ -7,6 +7,7 @@
 #include <string>
 
 #include "cli_commands.h"
+#include "drawn_file.h"
 #include "platform/values/bitmap.h"
 #include "platform/values/file_bytes.h"
 #include "platform/values/log.h"
@@ -14,62 +15,13 @@
 #include "preview/bitmap_scaling.h"
 #include "preview/preview_generator.h"
 #include "preview/preview_request.h"
+#include "thumbnail_batch.h"
 
 namespace paintdoc::cli {
 
 namespace {
 
 constexpr int kDefaultThumbnailSize = 256;
-
-// The drawn context of a preview request, or a one-line reason.
-struct Drawn {
-  std::shared_ptr<Bitmap> bitmap;
-  std::string failure;
-  // The content's pixel size at full size, whatever size it was drawn at.
-  PixelSize fullSize;
-};
-
-// The first warning the library logged, without its "Warning: <reader>: "
-// prefix, or "".
-std::string FirstWarning(const LogCapture& log) {
-  for (const std::string& message : log.messages()) {
-    if (message.rfind("Warning: ", 0) != 0) continue;
-    const size_t reason = message.find(": ", 9);
-    return message.substr(reason == std::string::npos ? 9 : reason + 2);
-  }
-  return "";
-}
-
-// The refusal's one line: the preview's diagnosis, with the warning that
-// explains it when the library logged one (a thumbnailer keeps one line of
-// what its command prints, so the cause must be in that line).
-std::string RefusalLine(const std::string& path, const std::string& diagnosis,
-                        const LogCapture& log) {
-  const std::string warning = FirstWarning(log);
-  if (warning.empty() || diagnosis.find(warning) != std::string::npos) {
-    return path + ": " + diagnosis;
-  }
-  return path + ": " + diagnosis + " (" + warning + ")";
-}
-
-// `fitInto` above 0 draws a thumbnail that fits a square of that many pixels.
-// What the library logs meanwhile is kept out of the output: a refusal says
-// it in its own line, and a picture that could be drawn needs no remarks.
-Drawn DrawFile(const std::string& path, PreviewKind kind, int fitInto = 0) {
-  LogCapture log;
-  BitmapPreviewRequest request;
-  const PreviewSource source = ReadPreviewSource(path, kind, {}, fitInto);
-  const PreviewOutcome outcome = DrawPreviewSource(request, source, fitInto);
-  if (!outcome.drawn) return {nullptr, RefusalLine(path, outcome.diagnosis, log), {}};
-  const std::shared_ptr<Bitmap>& bitmap = request.flushedContext();
-  if (!bitmap || bitmap->isEmpty()) {
-    const int wide = bitmap ? bitmap->pixelsWide() : 0;
-    const int high = bitmap ? bitmap->pixelsHigh() : 0;
-    return {nullptr, path + ": nothing to draw: the content is " + std::to_string(wide) + " x " +
-                         std::to_string(high) + " pixels", {}};
-  }
-  return {bitmap, "", ContentPixelSize(source.contentSize)};
-}
 
 // Writes the PNG, leaving no file behind when that fails.
 int WritePng(const Bitmap& bitmap, const std::string& outPath, const PngMetadata& metadata) {
@@ -115,7 +67,10 @@ int RunRender(const Arguments& arguments) {
     Complain("render needs FILE and -o OUT.png");
     return kExitUsage;
   }
-  const Drawn drawn = DrawFile(input, PreviewKind::Preview);
+  // What the library logs is kept out of the output: a refusal says it in
+  // its own line, and a picture that could be drawn needs no remarks.
+  const LogCapture log;
+  const Drawn drawn = DrawFile(input, PreviewKind::Preview, 0, &log);
   if (!drawn.bitmap) {
     Complain(drawn.failure);
     return kExitRefused;
@@ -128,6 +83,7 @@ int RunRender(const Arguments& arguments) {
 int RunThumbnail(const Arguments& arguments) {
   std::vector<std::string> paths;
   int size = kDefaultThumbnailSize;
+  BatchOptions batch;
   for (size_t i = 0; i < arguments.size(); ++i) {
     if (arguments[i] == "-s" || arguments[i] == "--size") {
       std::optional<int> parsed =
@@ -138,16 +94,29 @@ int RunThumbnail(const Arguments& arguments) {
       }
       size = *parsed;
       ++i;
+    } else if (arguments[i] == "-o" && i + 1 < arguments.size()) {
+      batch.outputFolder = arguments[++i];
+    } else if (arguments[i] == "--freedesktop") {
+      batch.freedesktop = true;
     } else {
       paths.push_back(arguments[i]);
     }
+  }
+  if (batch.freedesktop || !batch.outputFolder.empty()) {
+    if (paths.empty() || (batch.freedesktop && !batch.outputFolder.empty())) {
+      Complain("thumbnail needs FILE... and either -o DIR or --freedesktop");
+      return kExitUsage;
+    }
+    batch.size = size;
+    return RunThumbnailBatch(paths, batch);
   }
   if (paths.size() != 2) {
     Complain("thumbnail needs FILE and OUT.png");
     return kExitUsage;
   }
   // Drawn at the thumbnail's own size: no full-size picture is ever made.
-  const Drawn drawn = DrawFile(paths[0], PreviewKind::Thumbnail, size);
+  const LogCapture log;
+  const Drawn drawn = DrawFile(paths[0], PreviewKind::Thumbnail, size, &log);
   if (!drawn.bitmap) {
     Complain(drawn.failure);
     return kExitRefused;

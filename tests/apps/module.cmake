@@ -12,3 +12,6 @@ target_link_libraries(test_apps PRIVATE paintdoc_plugin_host paintdoc_plugin_ent
 target_sources(test_apps PRIVATE
   ${CMAKE_CURRENT_SOURCE_DIR}/support/apps/app_fixtures.cc
   ${CMAKE_CURRENT_SOURCE_DIR}/support/apps/program_runner.cc)
+# The thumbnail cache's hash is checked against the RFC's test suite in process.
+target_sources(test_apps PRIVATE ${PROJECT_SOURCE_DIR}/apps/md5.cc)
+target_include_directories(test_apps PRIVATE ${PROJECT_SOURCE_DIR}/apps)
