@@ -2,7 +2,9 @@
 // it could not be: what `render`, `thumbnail` and the batch share.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/values/bitmap.h"
@@ -24,6 +26,13 @@ struct Drawn {
 // `log`, when given, holds what the library logged while drawing: a refusal
 // then names the library's first warning in its line. The log captures every
 // thread, so callers that draw on several threads at once pass none.
-Drawn DrawFile(const std::string& path, PreviewKind kind, int fitInto, const LogCapture* log);
+// `maxMemoryBytes` above 0 refuses, before drawing, a picture whose drawing
+// would take more memory than that.
+Drawn DrawFile(const std::string& path, PreviewKind kind, int fitInto, const LogCapture* log,
+               uint64_t maxMemoryBytes = 0);
+
+// "512M", "2G", "65536": bytes with an optional K, M or G (powers of 1024);
+// nothing for text that is none of these or is zero.
+std::optional<uint64_t> ParseByteCount(const std::string& text);
 
 }  // namespace paintdoc::cli

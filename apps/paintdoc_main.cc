@@ -12,7 +12,10 @@ using paintdoc::cli::Arguments;
 
 constexpr const char* kUsage =
     "Usage:\n"
-    "  paintdoc render FILE -o OUT.png        the full-size preview of FILE\n"
+    "  paintdoc render FILE -o OUT.png [--max-memory SIZE]\n"
+    "                                         the full-size preview of FILE; refused\n"
+    "                                         before drawing when it would take more\n"
+    "                                         memory than SIZE (bytes, or 512M, 2G)\n"
     "  paintdoc thumbnail FILE OUT.png [-s SIZE]\n"
     "                                         the preview fitted into SIZE x SIZE\n"
     "                                         (default 256), never enlarged\n"

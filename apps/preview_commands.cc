@@ -53,9 +53,18 @@ void Complain(const std::string& message) { std::fprintf(stderr, "paintdoc: %s\n
 int RunRender(const Arguments& arguments) {
   std::string input;
   std::string output;
+  uint64_t maxMemory = 0;
   for (size_t i = 0; i < arguments.size(); ++i) {
     if (arguments[i] == "-o" && i + 1 < arguments.size()) {
       output = arguments[++i];
+    } else if (arguments[i] == "--max-memory") {
+      const std::optional<uint64_t> parsed =
+          i + 1 < arguments.size() ? ParseByteCount(arguments[++i]) : std::nullopt;
+      if (!parsed) {
+        Complain("render: --max-memory needs a size such as 512M or 2G");
+        return kExitUsage;
+      }
+      maxMemory = *parsed;
     } else if (input.empty() && arguments[i] != "-o") {
       input = arguments[i];
     } else {
@@ -70,7 +79,7 @@ int RunRender(const Arguments& arguments) {
   // What the library logs is kept out of the output: a refusal says it in
   // its own line, and a picture that could be drawn needs no remarks.
   const LogCapture log;
-  const Drawn drawn = DrawFile(input, PreviewKind::Preview, 0, &log);
+  const Drawn drawn = DrawFile(input, PreviewKind::Preview, 0, &log, maxMemory);
   if (!drawn.bitmap) {
     Complain(drawn.failure);
     return kExitRefused;

@@ -1,5 +1,6 @@
 #include "preview/preview_generator.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "document/canvas_renderer.h"
@@ -65,6 +66,23 @@ PixelSize ContentPixelSize(Size size) {
   return {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))};
 }
 
+Size DrawingSize(const PreviewSource& source, int fitInto) {
+  if (fitInto <= 0) return source.contentSize;
+  const PixelSize full = ContentPixelSize(source.contentSize);
+  const PixelSize fitted = FitIntoSquare(full.width, full.height, fitInto);
+  if (fitted.width < full.width || fitted.height < full.height) {
+    return MakeSize(fitted.width, fitted.height);
+  }
+  return source.contentSize;
+}
+
+uint64_t EstimatedDrawingBytes(const PreviewSource& source, int fitInto) {
+  const PixelSize pixels = ContentPixelSize(DrawingSize(source, fitInto));
+  const uint64_t contextBytes = uint64_t(std::max(pixels.width, 0)) *
+                                uint64_t(std::max(pixels.height, 0)) * Bitmap::kBytesPerPixel;
+  return 2 * contextBytes;
+}
+
 PreviewOutcome DrawPreviewSource(PreviewRequest& request, const PreviewSource& source,
                                  int fitInto) {
   PreviewOutcome outcome;
@@ -74,14 +92,7 @@ PreviewOutcome DrawPreviewSource(PreviewRequest& request, const PreviewSource& s
     return outcome;
   }
 
-  Size contextSize = source.contentSize;
-  if (fitInto > 0) {
-    const PixelSize full = ContentPixelSize(source.contentSize);
-    const PixelSize fitted = FitIntoSquare(full.width, full.height, fitInto);
-    if (fitted.width < full.width || fitted.height < full.height) {
-      contextSize = MakeSize(fitted.width, fitted.height);
-    }
-  }
+  const Size contextSize = DrawingSize(source, fitInto);
   std::shared_ptr<Bitmap> context = request.createContext(contextSize, true);
   if (!context) {
     outcome.diagnosis = ContextFailure(contextSize);

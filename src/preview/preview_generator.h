@@ -39,4 +39,14 @@ PreviewOutcome DrawPreviewSource(PreviewRequest& request, const PreviewSource& s
 // the nearest whole pixel, as BitmapPreviewRequest makes it.
 PixelSize ContentPixelSize(Size size);
 
+// The size DrawPreviewSource asks the host for, in points (pixels for a
+// thumbnail): the content's, or the fitted one with `fitInto` above 0.
+Size DrawingSize(const PreviewSource& source, int fitInto);
+
+// About how much memory drawing the source takes at that size, beyond what
+// reading it took: the context, and as much again for the transparency layers
+// and shadow masks a layer may open over the whole picture. A caller with a
+// memory limit refuses before drawing instead of failing half way.
+uint64_t EstimatedDrawingBytes(const PreviewSource& source, int fitInto);
+
 }  // namespace paintdoc

@@ -1,0 +1,36 @@
+// `render --max-memory`: a picture that would need more memory to draw than
+// the limit is refused before drawing, in one line that gives both figures.
+#include <gtest/gtest.h>
+
+#include "support/apps/app_fixtures.h"
+#include "support/apps/program_runner.h"
+#include "support/test_paths.h"
+
+namespace paintdoc::test {
+namespace {
+
+TEST(CliRender, MemoryLimitRefusesBeforeDrawing) {
+  // 1024 x 1024 pixels: 4 MiB a bitmap, about 8 MiB to draw.
+  const std::string input = WriteDocumentFile("memory.paintdoc", {1024, 1024});
+  const struct {
+    const char* limit;
+    int exitStatus;
+    const char* says;
+  } cases[] = {{"7M", 1, "needs about 8 MiB, more than the memory limit of 7 MiB"},
+               {"8M", 0, ""},
+               {"8388607", 1, "more than the memory limit of 8 MiB"},
+               {"0", 2, "--max-memory needs a size"},
+               {"8X", 2, "--max-memory needs a size"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.limit);
+    const ProgramResult result = RunProgram(
+        {AppPath("paintdoc"), "render", input, "-o", OutputPath("apps/memory.png"), "--max-memory",
+         c.limit});
+    EXPECT_EQ(result.exitStatus, c.exitStatus);
+    EXPECT_NE(result.err.find(c.says), std::string::npos) << result.err;
+    EXPECT_LE(Lines(result.err).size(), 1u);
+  }
+}
+
+}  // namespace
+}  // namespace paintdoc::test
