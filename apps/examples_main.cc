@@ -17,9 +17,10 @@ int main(int argc, char** argv) {
   const std::string directory = argv[1];
   for (const paintdoc::ExampleDocument& example : paintdoc::MakeExampleDocuments()) {
     const std::string path = directory + "/" + example.name + paintdoc::kDocumentExtension;
-    std::string error;
-    if (!paintdoc::WriteFileBytes(path, paintdoc::WriteDocumentContainer(*example.canvas), &error)) {
-      std::fprintf(stderr, "paintdoc-examples: can't write %s\n", error.c_str());
+    const auto written =
+        paintdoc::WriteFileBytes(path, paintdoc::WriteDocumentContainer(*example.canvas));
+    if (!written) {
+      std::fprintf(stderr, "paintdoc-examples: can't write %s\n", written.reason().c_str());
       return 1;
     }
     std::printf("wrote %s\n", path.c_str());

@@ -31,9 +31,9 @@ int WritePng(const Bitmap& bitmap, const std::string& outPath, const PngMetadata
     Complain(outPath + ": " + error);
     return kExitOutputFailed;
   }
-  if (!WriteFileBytes(outPath, *png, &error)) {
+  if (const Status written = WriteFileBytes(outPath, *png); !written) {
     std::remove(outPath.c_str());
-    Complain("can't write " + error);
+    Complain("can't write " + written.reason());
     return kExitOutputFailed;
   }
   return kExitSuccess;

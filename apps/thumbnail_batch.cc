@@ -77,9 +77,9 @@ FileResult ThumbnailIntoFolder(const Job& job, int size) {
   std::string error;
   const std::optional<std::vector<uint8_t>> png = EncodeThumbnail(*drawn.bitmap, drawn, {}, &error);
   if (!png) return NotWritten(job.output + ": " + error);
-  if (!WriteFileBytes(job.output, *png, &error)) {
+  if (const Status written = WriteFileBytes(job.output, *png); !written) {
     std::remove(job.output.c_str());
-    return NotWritten("can't write " + error);
+    return NotWritten("can't write " + written.reason());
   }
   return {};
 }

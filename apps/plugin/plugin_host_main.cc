@@ -94,6 +94,9 @@ int main(int argc, char** argv) {
   if (!context || context->isEmpty()) return Fail(input + ": nothing was drawn");
   std::string error;
   auto png = paintdoc::WritePNG(*context, {}, &error);
-  if (!png || !paintdoc::WriteFileBytes(output, *png, &error)) return Fail(error);
+  if (!png) return Fail(error);
+  if (const auto written = paintdoc::WriteFileBytes(output, *png); !written) {
+    return Fail(written.reason());
+  }
   return 0;
 }

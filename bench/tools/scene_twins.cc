@@ -139,9 +139,9 @@ int Run(int argc, char** argv) {
   }
   svg << "</svg>\n";
 
-  std::string error;
-  if (!WriteFileBytes(out + ".paintdoc", WriteDocumentContainer(*canvas), &error)) {
-    std::fprintf(stderr, "scene-twins: %s\n", error.c_str());
+  if (const Status written = WriteFileBytes(out + ".paintdoc", WriteDocumentContainer(*canvas));
+      !written) {
+    std::fprintf(stderr, "scene-twins: %s\n", written.reason().c_str());
     return 1;
   }
   std::ofstream(out + ".svg") << svg.str();

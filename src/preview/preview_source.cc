@@ -105,9 +105,8 @@ std::string CheckContentSize(Size size, const PreviewLimits& limits) {
 
 PreviewSource ReadPreviewSource(const std::string& path, PreviewKind kind,
                                 const PreviewLimits& limits, int fitInto) {
-  std::string error;
-  std::optional<std::vector<uint8_t>> bytes = ReadFileBytes(path, limits.maxFileBytes, &error);
-  if (!bytes) return Refused(PreviewStatus::Unreadable, "can't read " + error);
+  Result<std::vector<uint8_t>> bytes = ReadFileBytes(path, limits.maxFileBytes);
+  if (!bytes) return Refused(PreviewStatus::Unreadable, "can't read " + bytes.reason());
   return ReadPreviewSourceFromBytes(SharedBytes(std::move(*bytes)), kind, limits, fitInto);
 }
 

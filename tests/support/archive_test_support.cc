@@ -11,9 +11,8 @@
 namespace paintdoc::test {
 
 SharedBytes ArchiveFixture(const std::string& name) {
-  std::string error;
-  auto bytes = ReadFileBytes(DataPath("archive/" + name), 64 << 20, &error);
-  EXPECT_TRUE(bytes) << error;
+  auto bytes = ReadFileBytes(DataPath("archive/" + name), 64 << 20);
+  EXPECT_TRUE(bytes) << bytes.reason();
   return SharedBytes(bytes ? std::move(*bytes) : std::vector<uint8_t>{});
 }
 
@@ -22,8 +21,8 @@ namespace {
 // Writes bytes to the test output folder and answers the path.
 std::string WriteOutput(const std::string& name, std::span<const uint8_t> bytes) {
   const std::string path = OutputPath("archive/" + name);
-  std::string error;
-  EXPECT_TRUE(WriteFileBytes(path, bytes, &error)) << error;
+  const Status written = WriteFileBytes(path, bytes);
+  EXPECT_TRUE(written) << written.reason();
   return path;
 }
 

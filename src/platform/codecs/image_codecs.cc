@@ -54,11 +54,10 @@ DecodedImage ReadImageFile(const std::string& path, const ImageReadOptions& opti
   // A compressed image cannot sensibly be larger than its decoded pixels plus
   // generous slack; the bound keeps a huge unrelated file from being read whole.
   uint64_t maxBytes = options.maxPixels * 4 + (uint64_t{64} << 20);
-  std::string error;
-  auto bytes = ReadFileBytes(path, maxBytes, &error);
+  auto bytes = ReadFileBytes(path, maxBytes);
   if (!bytes) {
     DecodedImage result;
-    result.error = error;
+    result.error = bytes.reason();
     return result;
   }
   DecodedImage result = ReadImage(*bytes, options);
