@@ -15,7 +15,7 @@ import sys
 HERE = os.path.dirname(os.path.abspath(__file__))
 OUT = os.path.join(HERE, "..", "data", "archive")
 sys.path.insert(0, os.path.join(HERE, "..", "data"))
-from keyed_archive_tool import Archive as KeyedArchive  # noqa: E402
+from keyed_archive_tool import Archive as KeyedArchive, f32, segments  # noqa: E402
 
 UID = plistlib.UID
 
@@ -165,33 +165,21 @@ def colors():
 
 # --- shadows, gradients, transforms, paths ----------------------------------------
 
-def f32(*values):
-    return b"".join(struct.pack(">f", v) for v in values)
-
-
-def segment(kind, x, y):
-    return bytes([kind]) + f32(x, y)
-
-
 def graphics():
     a = Archive()
     red = a.obj(COLOR, {"NSColorSpace": 1, "NSRGB": b"1 0 0\x00"})
     blue = a.obj(COLOR, {"NSColorSpace": 1, "NSRGB": b"0 0 1 0.5\x00"})
     # Move (1,2), line (10,2), curve to (10,20) via (12,5), (12,15), close; as
     # the platform stores it, with the move back to the start after the close.
-    apple_segments = (segment(0, 1, 2) + segment(1, 10, 2) + segment(2, 12, 5) +
-                      segment(2, 12, 15) + segment(2, 10, 20) + segment(3, 1, 2) +
-                      segment(0, 1, 2))
+    apple_segments = segments([(0, 1, 2), (1, 10, 2), (2, 12, 5), (2, 12, 15), (2, 10, 20),
+                               (3, 1, 2), (0, 1, 2)])
     # Two closed subpaths, the second started by an explicit move.
-    two_subpaths = (segment(0, 0, 0) + segment(1, 5, 0) + segment(3, 0, 0) +
-                    segment(0, 20, 20) + segment(1, 25, 20) + segment(3, 20, 20) +
-                    segment(0, 20, 20))
+    two_subpaths = segments([(0, 0, 0), (1, 5, 0), (3, 0, 0), (0, 20, 20), (1, 25, 20),
+                             (3, 20, 20), (0, 20, 20)])
     # Another implementation: a close written as two close records.
-    gnustep_segments = segment(0, 0, 0) + segment(1, 4, 0) + segment(1, 4, 4) + \
-        segment(3, 0, 0) + segment(3, 0, 0)
+    gnustep_segments = segments([(0, 0, 0), (1, 4, 0), (1, 4, 4), (3, 0, 0), (3, 0, 0)])
     # A line after a close continues from the subpath's start.
-    continued = segment(0, 0, 0) + segment(1, 3, 0) + segment(3, 0, 0) + segment(0, 0, 0) + \
-        segment(1, 0, 3)
+    continued = segments([(0, 0, 0), (1, 3, 0), (3, 0, 0), (0, 0, 0), (1, 0, 3)])
     top = {
         "Shadow": a.obj(("NSShadow", NSOBJ), {"NSShadowHoriz": 3.0, "NSShadowVert": -4.5,
                                               "NSShadowBlurRadius": 6.0, "NSShadowColor": blue}),
@@ -223,8 +211,7 @@ def graphics():
         "ContinuedPath": a.obj(("NSBezierPath", NSOBJ), {"NSSegments": continued}),
         "EmptyPath": a.obj(("NSBezierPath", NSOBJ), {}),
         "BadPath": a.obj(("NSBezierPath", NSOBJ), {
-            "NSSegments": segment(0, 1, 1) + segment(1, 2, 2) + segment(9, 3, 3) +
-            segment(1, 4, 4)}),
+            "NSSegments": segments([(0, 1, 1), (1, 2, 2), (9, 3, 3), (1, 4, 4)])}),
     }
     write("graphics.plist", a.archive(top))
 
@@ -278,51 +265,26 @@ def text():
 
 # --- bitmaps and images ----------------------------------------------------------
 
-def tiff_rgba(width, height, pixels, dpi=None):
+def tiff_rgba(width, height, pixels, dpi):
     """A baseline big-endian uncompressed RGBA TIFF (premultiplied), as the
     platform embeds them; `pixels` is bytes of R, G, B, A rows, top first."""
-    entries = []
-    data_offset = 8
     strip = bytes(pixels)
-    strip_offset = data_offset
-    extra = bytearray(strip)
-    bits_offset = 8 + len(extra)
-    extra += struct.pack(">4H", 8, 8, 8, 8)
-    res_offset = 8 + len(extra)
-    if dpi:
-        extra += struct.pack(">2I", dpi, 1)
-    if len(extra) % 2:
-        extra += b"\x00"
-    ifd_offset = 8 + len(extra)
-
-    def entry(tag, kind, count, value):
-        entries.append((tag, kind, count, value))
-
+    bits_offset = 8 + len(strip)
+    res_offset = bits_offset + 8
+    extra = strip + struct.pack(">4H", 8, 8, 8, 8) + struct.pack(">2I", dpi, 1)
+    extra += b"\x00" * (len(extra) % 2)
     SHORT, LONG, RATIONAL = 3, 4, 5
-    entry(256, LONG, 1, width)
-    entry(257, LONG, 1, height)
-    entry(258, SHORT, 4, bits_offset)
-    entry(259, SHORT, 1, 1)
-    entry(262, SHORT, 1, 2)
-    entry(273, LONG, 1, strip_offset)
-    entry(277, SHORT, 1, 4)
-    entry(278, LONG, 1, height)
-    entry(279, LONG, 1, len(strip))
-    if dpi:
-        entry(282, RATIONAL, 1, res_offset)
-        entry(283, RATIONAL, 1, res_offset)
-    entry(284, SHORT, 1, 1)
-    if dpi:
-        entry(296, SHORT, 1, 2)
-    entry(338, SHORT, 1, 1)  # associated (premultiplied) alpha
+    entries = [(256, LONG, 1, width), (257, LONG, 1, height), (258, SHORT, 4, bits_offset),
+               (259, SHORT, 1, 1), (262, SHORT, 1, 2), (273, LONG, 1, 8), (277, SHORT, 1, 4),
+               (278, LONG, 1, height), (279, LONG, 1, len(strip)), (282, RATIONAL, 1, res_offset),
+               (283, RATIONAL, 1, res_offset), (284, SHORT, 1, 1), (296, SHORT, 1, 2),
+               (338, SHORT, 1, 1)]  # 338: associated (premultiplied) alpha
     ifd = struct.pack(">H", len(entries))
-    for tag, kind, count, value in sorted(entries):
-        if kind == SHORT and count == 1:
-            ifd += struct.pack(">HHIHH", tag, kind, count, value, 0)
-        else:
-            ifd += struct.pack(">HHII", tag, kind, count, value)
+    for tag, kind, count, value in entries:
+        short = kind == SHORT and count == 1
+        ifd += struct.pack(">HHIHH" if short else ">HHII", tag, kind, count, value, *[0][:short])
     ifd += struct.pack(">I", 0)
-    return b"MM\x00\x2a" + struct.pack(">I", ifd_offset) + bytes(extra) + ifd
+    return b"MM\x00\x2a" + struct.pack(">I", 8 + len(extra)) + extra + ifd
 
 
 # 2 × 2 pixels, top row red and half-transparent green (premultiplied), bottom
