@@ -4,8 +4,7 @@
 It builds keyed archives by hand with plistlib (binary or XML property lists,
 UIDs, $objects, $classes chains) without any of the library's code, so that
 the library's reader is checked against a second implementation, and it
-dumps what the library's writer produced. tests/archive/make_fixtures.py
-builds the checked-in archive fixtures with the same Archive class.
+dumps what the library's writer produced.
 
   keyed_archive_tool.py write SCENARIO OUT   write one of the scenarios below
   keyed_archive_tool.py dump FILE            print the canvas archive as JSON
