@@ -83,21 +83,44 @@ TEST(CliInfo, RefusedDocumentIsDiagnosed) {
             "paintdoc: " + newer + ": newer document version 12 (this build reads up to 10)\n");
 }
 
-TEST(CliCommon, HelpVersionAndUsageErrors) {
-  const ProgramResult help = RunProgram({kTool, "--help"});
-  EXPECT_EQ(help.exitStatus, 0);
-  EXPECT_NE(help.out.find("paintdoc thumbnail FILE OUT.png [-s SIZE]"), std::string::npos);
-  EXPECT_EQ(RunProgram({kTool, "info", "--help"}).exitStatus, 0);
-  const ProgramResult version = RunProgram({kTool, "--version"});
-  EXPECT_EQ(version.exitStatus, 0);
-  EXPECT_EQ(version.out.rfind("paintdoc ", 0), 0u);
-  EXPECT_EQ(Lines(version.out).size(), 1u);
-  EXPECT_EQ(RunProgram({kTool}).exitStatus, 2);
-  const ProgramResult unknown = RunProgram({kTool, "paint"});
-  EXPECT_EQ(unknown.exitStatus, 2);
-  EXPECT_EQ(Lines(unknown.err).size(), 1u);
-  EXPECT_EQ(RunProgram({kTool, "info"}).exitStatus, 2);
-  EXPECT_EQ(RunProgram({kTool, "render", "x"}).exitStatus, 2);
+// Exit statuses: 0 done, 1 the input refused, 2 a usage error, 3 the output
+// not written.
+TEST(CliCommon, ExitStatusesAndOneLineDiagnoses) {
+  const std::string input = WriteDocumentFile("usage.paintdoc", {10, 10});
+  const std::string out = OutputPath("apps/u.png");
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    const char* said;  // a part of the help, version or diagnosis
+  } cases[] = {
+      {{"--help"}, 0, "paintdoc thumbnail FILE OUT.png [-s SIZE]"},
+      {{"info", "--help"}, 0, ""},
+      {{"--version"}, 0, "paintdoc "},
+      {{}, 2, ""},
+      {{"paint"}, 2, ""},
+      {{"info"}, 2, ""},
+      {{"render", "x"}, 2, ""},
+      {{"thumbnail", input}, 2, ""},
+      {{"thumbnail", input, out, "-s", "0"}, 2, ""},
+      {{"thumbnail", input, out, "-s", "-5"}, 2, ""},
+      {{"thumbnail", input, out, "-s", "abc"}, 2, ""},
+      {{"thumbnail", input, out, "-s", "99999"}, 2, ""},
+      {{"render", WriteDocumentFile("zero.paintdoc", {0, 0}), "-o", out}, 1, "0 x 0"},
+      {{"render", input, "-o", "/nonexistent-directory/out.png"}, 3, ""},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments{kTool};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const ProgramResult result = RunProgram(arguments);
+    SCOPED_TRACE(testing::PrintToString(c.arguments) + "\n" + result.out + result.err);
+    EXPECT_EQ(result.exitStatus, c.status);
+    EXPECT_NE((c.status ? result.err : result.out).find(c.said), std::string::npos);
+    // Refusals, write failures, an unknown command and the version are one line.
+    const std::string first = c.arguments.empty() ? "" : c.arguments[0];
+    if (c.status == 1 || c.status == 3 || first == "paint" || first == "--version") {
+      EXPECT_EQ(Lines(c.status ? result.err : result.out).size(), 1u);
+    }
+  }
 }
 
 }  // namespace

@@ -63,19 +63,6 @@ TEST(CliRender, RefusedFilesExitWithOneLineAndNoOutput) {
   EXPECT_NE(missing.err.find("No such file"), std::string::npos);
 }
 
-TEST(CliRender, ZeroCanvasAndUnwritableOutput) {
-  const std::string zero = WriteDocumentFile("zero.paintdoc", {0, 0});
-  const ProgramResult empty =
-      RunProgram({kTool, "render", zero, "-o", OutputPath("apps/zero.png")});
-  EXPECT_EQ(empty.exitStatus, 1);
-  EXPECT_NE(empty.err.find("0 x 0"), std::string::npos);
-  const std::string input = WriteDocumentFile("unwritable.paintdoc", {4, 4});
-  const ProgramResult unwritable =
-      RunProgram({kTool, "render", input, "-o", "/nonexistent-directory/out.png"});
-  EXPECT_EQ(unwritable.exitStatus, 3);
-  EXPECT_EQ(Lines(unwritable.err).size(), 1u);
-}
-
 TEST(CliThumbnail, FitsIntoTheSquareAndRecordsTheSourceSize) {
   // The default square is 256; small content is never enlarged.
   struct Case {
@@ -101,16 +88,6 @@ TEST(CliThumbnail, FitsIntoTheSquareAndRecordsTheSourceSize) {
     EXPECT_EQ(png.text["Thumb::Image::Width"], std::to_string(int(c.canvas.width)));
     EXPECT_EQ(png.text["Thumb::Image::Height"], std::to_string(int(c.canvas.height)));
   }
-}
-
-TEST(CliThumbnail, WrongSizesAreUsageErrors) {
-  const std::string input = WriteDocumentFile("thumb-usage.paintdoc", {10, 10});
-  for (const char* size : {"0", "-5", "abc", "99999"}) {
-    EXPECT_EQ(RunProgram({kTool, "thumbnail", input, OutputPath("apps/u.png"), "-s", size}).exitStatus,
-              2)
-        << size;
-  }
-  EXPECT_EQ(RunProgram({kTool, "thumbnail", input}).exitStatus, 2);
 }
 
 // GNOME runs thumbnailers with no home directory, the input under /tmp, the

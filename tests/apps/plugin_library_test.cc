@@ -80,35 +80,28 @@ TEST_F(PluginLibrary, FactoryQueryThumbnailReleaseRelease) {
   EXPECT_EQ(PlugInRegistry::shared().removals(), 1);
 }
 
-TEST_F(PluginLibrary, PreviewOfARefusedFileFlushesNothingAndAnswersZero) {
+// A refused file flushes nothing and still answers zero; a file URL is decoded.
+TEST_F(PluginLibrary, PreviewsOfRefusedAndEscapedFiles) {
   const std::string newer = WriteVersionedDocumentFile("plugin-newer.paintdoc", 11);
-  void* instance = factory(nullptr, &typeID);
-  auto* table = *static_cast<PaintdocGeneratorInterface**>(instance);
-  void* generator = nullptr;
-  table->QueryInterface(instance, interfaceID, &generator);
-  BitmapPreviewRequest request;
-  EXPECT_EQ(table->GeneratePreviewForURL(generator, Ref(request), newer.c_str(), nullptr, nullptr), 0);
-  EXPECT_EQ(request.flushCount(), 0);
-  EXPECT_TRUE(request.requestedSizes().empty());
-  table->CancelPreviewGeneration(generator, Ref(request));
-  table->Release(generator);
-  table->Release(instance);
-  EXPECT_EQ(PlugInRegistry::shared().instanceCount(factoryID), 0);
-}
-
-TEST_F(PluginLibrary, FileUrlsAreDecoded) {
-  const std::string document = WriteDocumentFile("plugin with space.paintdoc", {5, 6});
-  std::string url = "file://";
-  for (const char c : document) url += c == ' ' ? std::string("%20") : std::string(1, c);
-  void* instance = factory(nullptr, &typeID);
-  auto* table = *static_cast<PaintdocGeneratorInterface**>(instance);
-  void* generator = nullptr;
-  table->QueryInterface(instance, interfaceID, &generator);
-  BitmapPreviewRequest request;
-  table->GeneratePreviewForURL(generator, Ref(request), url.c_str(), nullptr, nullptr);
-  EXPECT_EQ(request.flushCount(), 1);
-  table->Release(generator);
-  table->Release(instance);
+  std::string spaced = "file://";
+  for (const char c : WriteDocumentFile("plugin with space.paintdoc", {5, 6})) {
+    spaced += c == ' ' ? std::string("%20") : std::string(1, c);
+  }
+  for (const auto& [url, flushes] : {std::pair{newer, 0}, std::pair{spaced, 1}}) {
+    SCOPED_TRACE(url);
+    void* instance = factory(nullptr, &typeID);
+    auto* table = *static_cast<PaintdocGeneratorInterface**>(instance);
+    void* generator = nullptr;
+    table->QueryInterface(instance, interfaceID, &generator);
+    BitmapPreviewRequest request;
+    EXPECT_EQ(table->GeneratePreviewForURL(generator, Ref(request), url.c_str(), nullptr, nullptr), 0);
+    EXPECT_EQ(request.flushCount(), flushes);
+    EXPECT_EQ(request.requestedSizes().size(), size_t(flushes));
+    table->CancelPreviewGeneration(generator, Ref(request));
+    table->Release(generator);
+    table->Release(instance);
+    EXPECT_EQ(PlugInRegistry::shared().instanceCount(factoryID), 0);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// The platform's archived forms read from fixtures written by plistlib
-// (tests/archive/make_fixtures.py): colours of every kind, shadows,
+// The platform's archived forms read from fixtures written by an independent
+// writer (see keyed_unarchiver_test.cc): colours of every kind, shadows,
 // gradients, transforms, paths, rich text and images.
 #include <gtest/gtest.h>
 

@@ -1,6 +1,9 @@
-// Reading keyed archives written by an independent writer (Python's plistlib,
-// tests/archive/make_fixtures.py): top-level keys, lenient scalars, the
-// Foundation value classes in their current and older forms, and model objects.
+// Reading keyed archives written by an independent writer: top-level keys,
+// lenient scalars, the Foundation value classes in their current and older
+// forms, and model objects. The fixtures of tests/data/archive were written
+// once with Python's plistlib, object by object in the platform archiver's
+// layout, by a script kept in history (git show
+// 55da37d:tests/archive/make_fixtures.py); `plistutil -i FILE` shows one.
 #include <gtest/gtest.h>
 
 #include <cmath>

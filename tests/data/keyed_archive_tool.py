@@ -4,8 +4,7 @@
 It builds keyed archives by hand with plistlib (binary or XML property lists,
 UIDs, $objects, $classes chains) without any of the library's code, so that
 the library's reader is checked against a second implementation, and it
-dumps what the library's writer produced. tests/archive/make_fixtures.py
-builds the checked-in archive fixtures with the same Archive class.
+dumps what the library's writer produced.
 
   keyed_archive_tool.py write SCENARIO OUT   write one of the scenarios below
   keyed_archive_tool.py dump FILE            print the canvas archive as JSON
@@ -51,19 +50,18 @@ class Archive:
         return self.instance(("NSColor", "NSObject"),
                              {"NSColorSpace": 1, "NSRGB": text.encode() + b"\0"})
 
-    def path(self, elements, line_width=None, cap=None, join=None, dash=None):
-        segments = b""
-        for kind, x, y in elements:
-            segments += struct.pack(">Bff", kind, x, y)
-        fields = {"NSSegments": segments}
+    def path(self, elements, line_width=None, cap=None, join=None, dash=None, even_odd=False):
+        fields = {"NSSegments": segments(elements)}
         if line_width is not None:
             fields["NSLineWidth"] = float(line_width)
         if cap:
             fields["NSCapStyle"] = cap
         if join:
             fields["NSJoinStyle"] = join
+        if even_odd:
+            fields["NSWindingRule"] = 1
         if dash:
-            fields["NSDashPatterns"] = b"".join(struct.pack(">f", d) for d in dash)
+            fields["NSDashPatterns"] = f32(*dash)
             fields["NSDashPhase"] = 0.0
         return self.instance(("NSBezierPath", "NSObject"), fields)
 
@@ -84,6 +82,16 @@ class Archive:
         if fmt == plistlib.FMT_XML:
             archive = xml_form(archive)
         return plistlib.dumps(archive, fmt=fmt, sort_keys=sort_keys)
+
+
+def f32(*values):
+    """Big-endian 32-bit floats, as paths and transforms store them."""
+    return b"".join(struct.pack(">f", v) for v in values)
+
+
+def segments(records):
+    """The NSSegments of a path from (type, x, y) records; a curve takes three."""
+    return b"".join(struct.pack(">Bff", kind, x, y) for kind, x, y in records)
 
 
 def xml_form(value):
@@ -164,23 +172,24 @@ SCENARIOS = {
 }
 
 
-def plain(value, objects, depth=0):
-    """A JSON-friendly view of an archived value, following UIDs."""
+def plain(value, objects, depth=0, raw_bytes=False):
+    """A JSON-friendly view of an archived value, following UIDs; objects
+    become dictionaries with "$class" their class name."""
     if isinstance(value, UID):
         target = objects[value.data]
         if isinstance(target, dict) and "$class" in target and depth < 64:
             record = {"$class": objects[target["$class"].data]["$classname"]}
             for key, item in target.items():
                 if key != "$class":
-                    record[key] = plain(item, objects, depth + 1)
+                    record[key] = plain(item, objects, depth + 1, raw_bytes)
             return record
-        return plain(target, objects, depth + 1) if target != "$null" else None
-    if isinstance(value, bytes):
+        return plain(target, objects, depth + 1, raw_bytes) if target != "$null" else None
+    if isinstance(value, bytes) and not raw_bytes:
         return {"$bytes": len(value)}
     if isinstance(value, list):
-        return [plain(item, objects, depth + 1) for item in value]
+        return [plain(item, objects, depth + 1, raw_bytes) for item in value]
     if isinstance(value, dict):
-        return {key: plain(item, objects, depth + 1) for key, item in value.items()}
+        return {key: plain(item, objects, depth + 1, raw_bytes) for key, item in value.items()}
     return value
 
 

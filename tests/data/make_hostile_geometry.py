@@ -16,25 +16,12 @@ The fuzz seeds (the smaller cases, a kind each) are written with
 import math
 import os
 import random
-import struct
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from keyed_archive_tool import Archive, RECTANGLE, container  # noqa: E402
 
 MOVE, LINE, CURVE, CLOSE = 0, 1, 2, 3
-
-
-def path_object(a, records, line_width=1.0, even_odd=False, dash=None):
-    """An archived path from (type, x, y) records; a curve takes three."""
-    fields = {"NSSegments": b"".join(struct.pack(">Bff", kind, x, y) for kind, x, y in records),
-              "NSLineWidth": float(line_width)}
-    if even_odd:
-        fields["NSWindingRule"] = 1
-    if dash:
-        fields["NSDashPatterns"] = b"".join(struct.pack(">f", d) for d in dash)
-        fields["NSDashPhase"] = 0.0
-    return a.instance(("NSBezierPath", "NSObject"), fields)
 
 
 def spiral_records(elements, center):
@@ -80,11 +67,6 @@ def zigzag_records(lines, width, height):
     return records
 
 
-def rect_records(x, y, w, h):
-    return [(MOVE, x, y), (LINE, x + w, y), (LINE, x + w, y + h), (LINE, x, y + h),
-            (CLOSE, x, y), (MOVE, x, y)]
-
-
 def document(size, make_layer):
     """A container around a canvas of `size` holding the one layer."""
     a = Archive()
@@ -96,9 +78,9 @@ def document(size, make_layer):
     return container(a.bytes({"root": root}))
 
 
-def path_layer(records, stroke=True, fill=True, shadow=True, **path_fields):
+def path_layer(records, stroke=True, fill=True, shadow=True, line_width=1.0, **path_fields):
     def make(a):
-        fields = {"BezierPath": path_object(a, records, **path_fields),
+        fields = {"BezierPath": a.path(records, line_width=line_width, **path_fields),
                   "EnableStroke": stroke, "ForeColor": a.color(0.1, 0.2, 0.6),
                   "EnableFill": fill, "IsFillWithGdt": False, "BackColor": a.color(1, 0.8, 0.2)}
         if shadow:
@@ -117,7 +99,7 @@ def gradient_layer(stops):
         colors = a.array(palette[i * len(palette) // stops] for i in range(stops))
         gradient = a.instance(("NSGradient", "NSObject"), {"NSColors": colors})
         return a.instance(RECTANGLE, {
-            "BezierPath": path_object(a, rect_records(50, 50, 1900, 1400)),
+            "BezierPath": a.rect_path(50, 50, 1900, 1400, line_width=1.0),
             "EnableStroke": False, "EnableFill": True, "IsFillWithGdt": True,
             "FillGdtDegree": 0.0, "FillGradient": gradient})
     return make

@@ -207,103 +207,80 @@ TEST(PreviewLimits, DeeplyNestedGroupsAreRefusedNotRecursedInto) {
 
 // --- drawing into the host's context
 
-// Records whether a bitmap context was asked for; `refuse` answers none.
-class CountingRequest : public BitmapPreviewRequest {
+// A host's request that records the size asked for and whether as a bitmap;
+// it can refuse the context, hand out a dirty one, or one of another size.
+class HostRequest : public BitmapPreviewRequest {
  public:
   std::shared_ptr<Bitmap> createContext(Size size, bool isBitmap) override {
+    asked = size;
     bitmapAsked = isBitmap;
-    auto context = BitmapPreviewRequest::createContext(size, isBitmap);
+    auto context = BitmapPreviewRequest::createContext(handOut.value_or(size), isBitmap);
+    for (int y = 0; dirty && y < context->pixelsHigh(); ++y)
+      for (int x = 0; x < context->pixelsWide(); ++x) context->setPixelAt(x, y, {9, 9, 9, 255});
     return refuse ? nullptr : context;
   }
-  bool refuse = false;
-  bool bitmapAsked = false;
+  bool refuse = false, dirty = false, bitmapAsked = false;
+  std::optional<Size> handOut;
+  Size asked;
 };
 
-TEST(PreviewDrawing, ContextHasTheCanvasSizeWhateverTheKind) {
-  // A thumbnail is drawn at full size too (the host scales it), and a zero
-  // canvas still gets its zero context flushed.
-  for (const auto& [size, kind] : {std::pair{Size{640, 480}, PreviewKind::Thumbnail},
-                                   std::pair{Size{0, 0}, PreviewKind::Preview}}) {
-    SCOPED_TRACE(size.width);
-    CountingRequest request;
-    EXPECT_TRUE(DrawPreviewSource(request, Read(Container(CanvasArchive(size), 10), kind)).drawn);
-    EXPECT_EQ(request.requestedSizes(), (std::vector<Size>{size}));
+// The context has the content's point size whatever the kind (a thumbnail is
+// drawn at full size too, the host scales it), is cleared first, and the
+// content sits at its lower left corner (storage rows count from the top).
+TEST(PreviewDrawing, ContextGetsTheContentAtItsPointSizeOnClearPixels) {
+  auto green = Bitmap::create(4, 2);
+  for (int y = 0; y < 2; ++y)
+    for (int x = 0; x < 4; ++x) green->setPixelAt(x, y, Rgba8{0, 200, 0, 255});
+  green->setSizeWithDPI(144);
+  constexpr Rgba8 kRed{255, 0, 0, 255}, kClear{0, 0, 0, 0}, kHalfBlue{0, 0, 64, 128};
+  constexpr Rgba8 kGreen{0, 200, 0, 255};
+  struct Case {
+    const char* what;
+    std::vector<uint8_t> bytes;
+    Size asked;
+    std::vector<std::tuple<int, int, Rgba8>> pixels;
+    PreviewKind kind;
+    bool dirty;
+    std::optional<Size> handOut;
+  };
+  const auto preview = PreviewKind::Preview;
+  const Case cases[] = {
+      {"thumbnail", Container(CanvasArchive({640, 480}), 10), {640, 480}, {}, PreviewKind::Thumbnail,
+       false, {}},
+      {"zero canvas", Container(CanvasArchive({0, 0}), 10), {0, 0}, {}, preview, false, {}},
+      {"image", TwoByTwoPng(), {2, 2}, {{0, 0, kRed}, {1, 0, kClear}, {0, 1, kClear}, {1, 1, kHalfBlue}},
+       preview, false, {}},
+      {"dirty context", Container(CanvasArchive({3, 3}), 10), {3, 3}, {{1, 1, kClear}}, preview, true, {}},
+      {"larger context", TwoByTwoPng(), {2, 2}, {{0, 1, kRed}, {1, 2, kHalfBlue}, {0, 0, kClear}},
+       preview, false, Size{4, 3}},
+      {"144 dpi image", *WriteTIFF(*green), {2, 1}, {{0, 0, kGreen}, {1, 0, kGreen}}, preview, false, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    HostRequest request;
+    request.dirty = c.dirty;
+    request.handOut = c.handOut;
+    ASSERT_TRUE(DrawPreviewSource(request, Read(c.bytes, c.kind)).drawn);
+    EXPECT_EQ(request.asked, c.asked);
     EXPECT_TRUE(request.bitmapAsked);
     EXPECT_EQ(request.flushCount(), 1);
-    EXPECT_EQ(request.flushedContext()->pixelsWide(), int(size.width));
+    const Bitmap& context = *request.flushedContext();
+    EXPECT_EQ(context.pixelsWide(), int(c.handOut.value_or(c.asked).width));
+    EXPECT_EQ(context.pixelsHigh(), int(c.handOut.value_or(c.asked).height));
+    for (const auto& [x, y, pixel] : c.pixels) EXPECT_EQ(context.pixelAt(x, y), pixel) << x << ", " << y;
   }
 }
 
-TEST(PreviewDrawing, NoContextMeansNothingDrawnAndNothingFlushed) {
-  CountingRequest request;
-  request.refuse = true;
-  const PreviewOutcome outcome = DrawPreviewSource(request, Read(TwoByTwoPng()));
-  EXPECT_FALSE(outcome.drawn);
-  EXPECT_EQ(request.flushCount(), 0);
-  EXPECT_EQ(request.requestedSizes().size(), 1u);
-}
-
-TEST(PreviewDrawing, RefusedContentAsksForNoContext) {
-  CountingRequest request;
-  EXPECT_FALSE(DrawPreviewSource(request, Read(Container(CanvasArchive({5, 5}), 11))).drawn);
-  EXPECT_TRUE(request.requestedSizes().empty());
-}
-
-TEST(PreviewDrawing, ImageKeepsItsPixelsAndTransparency) {
-  CountingRequest request;
-  ASSERT_TRUE(DrawPreviewSource(request, Read(TwoByTwoPng())).drawn);
-  EXPECT_EQ(request.requestedSizes(), (std::vector<Size>{{2, 2}}));
-  const Bitmap& context = *request.flushedContext();
-  EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{255, 0, 0, 255}));
-  EXPECT_EQ(context.pixelAt(1, 0), (Rgba8{0, 0, 0, 0}));
-  EXPECT_EQ(context.pixelAt(0, 1), (Rgba8{0, 0, 0, 0}));
-  EXPECT_EQ(context.pixelAt(1, 1), (Rgba8{0, 0, 64, 128}));
-}
-
-TEST(PreviewDrawing, ContextIsClearedBeforeDrawing) {
-  // A host that hands out a dirty bitmap still gets transparent pixels where
-  // the content is transparent.
-  class DirtyRequest : public BitmapPreviewRequest {
-   public:
-    std::shared_ptr<Bitmap> createContext(Size size, bool isBitmap) override {
-      auto context = BitmapPreviewRequest::createContext(size, isBitmap);
-      for (int y = 0; y < context->pixelsHigh(); ++y)
-        for (int x = 0; x < context->pixelsWide(); ++x) context->setPixelAt(x, y, {9, 9, 9, 255});
-      return context;
-    }
-  } request;
-  ASSERT_TRUE(DrawPreviewSource(request, Read(Container(CanvasArchive({3, 3}), 10))).drawn);
-  EXPECT_EQ(request.flushedContext()->pixelAt(1, 1), (Rgba8{0, 0, 0, 0}));
-}
-
-TEST(PreviewDrawing, LargerContextGetsTheContentAtItsLowerLeftCorner) {
-  class LargerRequest : public BitmapPreviewRequest {
-   public:
-    std::shared_ptr<Bitmap> createContext(Size, bool isBitmap) override {
-      return BitmapPreviewRequest::createContext({4, 3}, isBitmap);
-    }
-  } request;
-  ASSERT_TRUE(DrawPreviewSource(request, Read(TwoByTwoPng())).drawn);
-  const Bitmap& context = *request.flushedContext();
-  // The image's top row lands on storage row 1 (row 2 is the bottom).
-  EXPECT_EQ(context.pixelAt(0, 1), (Rgba8{255, 0, 0, 255}));
-  EXPECT_EQ(context.pixelAt(1, 2), (Rgba8{0, 0, 64, 128}));
-  EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{0, 0, 0, 0}));
-}
-
-TEST(PreviewDrawing, ImageWithAResolutionIsDrawnAtItsPointSize) {
-  auto bitmap = Bitmap::create(4, 2);
-  for (int y = 0; y < 2; ++y)
-    for (int x = 0; x < 4; ++x) bitmap->setPixelAt(x, y, Rgba8{0, 200, 0, 255});
-  bitmap->setSizeWithDPI(144);
-  CountingRequest request;
-  ASSERT_TRUE(DrawPreviewSource(request, Read(*WriteTIFF(*bitmap))).drawn);
-  EXPECT_EQ(request.requestedSizes()[0], (Size{2, 1}));
-  const Bitmap& context = *request.flushedContext();
-  ASSERT_EQ(context.pixelsWide(), 2);
-  ASSERT_EQ(context.pixelsHigh(), 1);
-  EXPECT_EQ(context.pixelAt(0, 0), (Rgba8{0, 200, 0, 255}));
-  EXPECT_EQ(context.pixelAt(1, 0), (Rgba8{0, 200, 0, 255}));
+// No context from the host, or content that is refused: nothing drawn or flushed.
+TEST(PreviewDrawing, NothingIsFlushedWithoutAContextOrContent) {
+  for (const auto& [bytes, refuse] : {std::pair{TwoByTwoPng(), true},
+                                      std::pair{Container(CanvasArchive({5, 5}), 11), false}}) {
+    HostRequest request;
+    request.refuse = refuse;
+    EXPECT_FALSE(DrawPreviewSource(request, Read(bytes)).drawn);
+    EXPECT_EQ(request.flushCount(), 0);
+    EXPECT_EQ(request.requestedSizes().size(), refuse ? 1u : 0u);  // refused content asks for none
+  }
 }
 
 }  // namespace
