@@ -1,79 +1,47 @@
-// The class tree: every draw class is registered under its archived name with
-// its superclass; the rules that depend on a class's traits.
+// The rules that depend on a class's traits: the fill a new draw starts with,
+// its layer title, creation from the centre and when it has a border.
 #include <gtest/gtest.h>
 
-#include <utility>
-
-#include "document/register_all_classes.h"
 #include "draws/draw_base.h"
 #include "draws/draw_group.h"
 #include "raster/draw_raster.h"
 #include "draws/draw_rectangle.h"
 #include "raster/draw_selections.h"
-#include "platform/values/class_registry.h"
+#include "raster/draw_image.h"
+#include "text/draw_text.h"
 
 namespace paintdoc {
 namespace {
 
-// Each archived class name with its superclass: the chain written into
-// archives as "$classes", which other readers fall back along.
-const std::pair<const char*, const char*> kClasses[] = {
-    {"DrawBase", "NSObject"}, {"DrawRectangle", "DrawBase"}, {"DrawEllipse", "DrawRectangle"},
-    {"DrawRoundRectangle", "DrawRectangle"}, {"DrawGradient", "DrawRectangle"},
-    {"DrawLine", "DrawBase"}, {"DrawCurve", "DrawBase"}, {"DrawBrokenLine", "DrawBase"},
-    {"DrawFreePolygon", "DrawBase"}, {"DrawGroup", "DrawBase"}, {"DrawRectShape", "DrawRectangle"},
-    {"DrawRectPolygon", "DrawRectShape"}, {"DrawRectStar", "DrawRectShape"},
-    {"DrawRectHeart", "DrawRectShape"}, {"DrawRectWaterDrip", "DrawRectShape"},
-    {"DrawRectLocation", "DrawRectShape"}, {"DrawRectBookmark", "DrawRectShape"},
-    {"DrawRectCloud", "DrawRectShape"}, {"DrawRectLightning", "DrawRectShape"},
-    {"DrawRectPerson", "DrawRectShape"}, {"DrawRectMail", "DrawRectShape"},
-    {"DrawRectiMac", "DrawRectShape"}, {"DrawRectAppleLogo", "DrawRectShape"},
-    {"DrawRectButterfly", "DrawRectShape"}, {"DrawRectCamera", "DrawRectShape"},
-    {"DrawRectEye", "DrawRectShape"}, {"DrawRectHome", "DrawRectShape"},
-    {"DrawRectRefresh", "DrawRectShape"}, {"DrawRectFolder", "DrawRectShape"},
-    {"DrawRectPicture", "DrawRectShape"}, {"DrawRectClock", "DrawRectShape"},
-    {"DrawRectSignal", "DrawRectShape"}, {"DrawRectMessage", "DrawRectShape"},
-    {"DrawEllipseMessage", "DrawRectShape"}, {"DrawText", "DrawRectangle"},
-    {"DrawBezierText", "DrawText"}, {"DrawImage", "DrawRectangle"}, {"DrawFilter", "DrawImage"},
-    {"DrawFill", "DrawBase"}, {"DrawMagicSelection", "DrawBase"}, {"DrawPen", "DrawBase"},
-    {"DrawEraser", "DrawPen"}, {"DrawClear", "DrawBase"}, {"DrawAirbrush", "DrawBase"},
-    {"DrawSelection", "DrawRectangle"}, {"DrawCrop", "DrawSelection"},
-    {"DrawEllipseSelection", "DrawEllipse"}, {"DrawLassoSelection", "DrawBase"},
-    {"DrawPolygonSelection", "DrawFreePolygon"}
-};
-
-std::shared_ptr<DrawBase> Create(const char* name) {
-  auto draw = std::dynamic_pointer_cast<DrawBase>(ClassRegistry::shared().create(name));
-  if (draw) draw->init();
-  return draw;
-}
-
-TEST(DrawClassTree, EveryClassIsRegisteredWithItsSuperclass) {
-  RegisterAllClasses();
-  for (const auto& [name, superclass] : kClasses) {
-    SCOPED_TRACE(name);
-    const ClassInfo* info = ClassRegistry::shared().find(name);
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(info->superclass, superclass);
-    EXPECT_EQ(ClassRegistry::shared().classChain(name).back(), "NSObject");
-    auto draw = Create(name);
-    ASSERT_NE(draw, nullptr);
-    EXPECT_EQ(draw->className(), name);
-  }
-}
-
-TEST(DrawClassTree, ShiftRatiosAndCreationFromTheCentre) {
-  RegisterAllClasses();
-  auto ratio = [](const char* name) {
-    return std::dynamic_pointer_cast<DrawRectangle>(Create(name))->width2HeightRatioForShift();
+// The fill flag is the opposite of classDrawStroke, not classDrawFill: a
+// rectangle (which answers classDrawFill yes) still starts unfilled.
+TEST(DrawDefaults, FillStartsAsTheOppositeOfTheStrokeTrait) {
+  struct Case {
+    std::shared_ptr<DrawBase> draw;
+    bool stroke;
   };
-  EXPECT_EQ(ratio("DrawRectangle"), 1.0f);
-  EXPECT_EQ(ratio("DrawRectHeart"), 1.1f);
-  EXPECT_EQ(ratio("DrawRectAppleLogo"), 0.858f);
-  EXPECT_EQ(ratio("DrawRectRefresh"), 1.0f);  // inherited
-  EXPECT_EQ(ratio("DrawEllipseMessage"), 1.8f);
-  EXPECT_TRUE(MakeDraw<DrawEllipseSelection>()->startFromCenterWhenCreating());
-  EXPECT_FALSE(MakeDraw<DrawEllipse>()->startFromCenterWhenCreating());
+  const Case cases[] = {
+      {MakeDraw<DrawBase>(), true},     {MakeDraw<DrawRectangle>(), true},
+      {MakeDraw<DrawGradient>(), false}, {MakeDraw<DrawText>(), false},
+      {MakeDraw<DrawImage>(), false},    {MakeDraw<DrawClear>(), false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.draw->className());
+    EXPECT_EQ(c.draw->enableStroke(), c.stroke);
+    EXPECT_EQ(c.draw->enableFill(), !c.stroke);
+  }
+  EXPECT_TRUE(MakeDraw<DrawRectangle>()->classDrawFill());
+}
+
+TEST(DrawDefaults, LayerTitleIsTheDisplayNameUntilOneIsSet) {
+  auto ellipse = MakeDraw<DrawEllipse>();
+  EXPECT_EQ(ellipse->layerTitle(), "Ellipse");
+  ellipse->setLayerTitle("Sun");
+  EXPECT_EQ(ellipse->layerTitle(), "Sun");
+  ellipse->setLayerTitle(std::string());
+  EXPECT_EQ(ellipse->layerTitle(), "");  // an empty title is still a title
+  ellipse->setLayerTitle(std::nullopt);
+  EXPECT_EQ(ellipse->layerTitle(), "Ellipse");
 }
 
 // Resizing gives a line a border but not a rectangle, whose own rule looks
@@ -96,6 +64,8 @@ TEST(DrawClassTree, BorderFollowsResizingForLinesAndVisibleMembersForGroups) {
   EXPECT_TRUE(group->hasBorder());  // a second visible member
   group->setDraws({MakeDraw<DrawFill>()});
   EXPECT_TRUE(group->hasBorder());  // a member with a border
+  EXPECT_TRUE(MakeDraw<DrawEllipseSelection>()->startFromCenterWhenCreating());
+  EXPECT_FALSE(MakeDraw<DrawEllipse>()->startFromCenterWhenCreating());
 }
 
 }  // namespace

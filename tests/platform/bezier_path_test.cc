@@ -4,14 +4,15 @@
 
 #include <cmath>
 
+#include "support/geometry_near.h"
+
 namespace paintdoc {
 namespace {
 
 constexpr double kK = 0.5522847498;
 
 void ExpectPointNear(const Point& actual, const Point& expected, double tolerance = 1e-6) {
-  EXPECT_NEAR(actual.x, expected.x, tolerance);
-  EXPECT_NEAR(actual.y, expected.y, tolerance);
+  test::ExpectPointNear(actual, expected, tolerance);
 }
 
 std::vector<PathElementType> Types(const BezierPath& path) {
@@ -21,18 +22,6 @@ std::vector<PathElementType> Types(const BezierPath& path) {
 }
 
 using T = PathElementType;
-
-TEST(BezierPathDefaults, MatchThePlatform) {
-  BezierPath path;
-  EXPECT_EQ(path.lineWidth(), 1.0);
-  EXPECT_EQ(path.lineCapStyle(), LineCapStyle::Butt);
-  EXPECT_EQ(path.lineJoinStyle(), LineJoinStyle::Miter);
-  EXPECT_EQ(path.miterLimit(), 10.0);
-  EXPECT_EQ(path.windingRule(), WindingRule::NonZero);
-  EXPECT_TRUE(path.lineDash().empty());
-  EXPECT_EQ(path.bounds(), ZeroRect());
-  EXPECT_EQ(path.controlPointBounds(), ZeroRect());
-}
 
 TEST(BezierPathShapes, RectangleStartsAtOriginCounterClockwise) {
   const BezierPath path = BezierPath::withRect(MakeRect(1, 2, 10, 20));

@@ -4,8 +4,6 @@
 
 #include "platform/values/class_registry.h"
 #include "platform/values/gradient.h"
-#include "platform/values/log.h"
-#include "platform/values/shadow.h"
 
 namespace paintdoc {
 namespace {
@@ -52,14 +50,6 @@ TEST(GradientStops, EvenSpacingAndInterpolationWithStraightAlpha) {
             ColorSpaceKind::CalibratedWhite);
 }
 
-TEST(ShadowDefaults, ImplicitColourIsBlackAtOneThird) {
-  Shadow shadow;
-  EXPECT_FALSE(shadow.explicitColor().has_value());
-  EXPECT_NEAR(shadow.shadowColor().toCalibratedRGB().alpha, 1.0 / 3.0, 1e-12);
-  shadow.setShadowBlurRadius(-4);
-  EXPECT_EQ(shadow.shadowBlurRadius(), 0);
-}
-
 class Named : public Object {
  public:
   explicit Named(std::string name) : name_(std::move(name)) {}
@@ -85,18 +75,6 @@ TEST(ClassRegistryChains, KindOfFollowsSuperclassesAndUnknownNamesAreAbsent) {
   // A cycle introduced by mistake does not loop.
   registry.registerClass({"Base", "Leaf", {}});
   EXPECT_LE(registry.classChain("Leaf").size(), 4u);
-}
-
-TEST(LogCaptureScope, CollectsMessagesInsteadOfPrinting) {
-  LogCapture capture;
-  Log("Error: something went wrong");
-  EXPECT_TRUE(capture.contains("went wrong"));
-  {
-    LogCapture inner;
-    Log("inner");
-    EXPECT_EQ(inner.messages().size(), 1u);
-  }
-  EXPECT_FALSE(capture.contains("inner"));
 }
 
 }  // namespace

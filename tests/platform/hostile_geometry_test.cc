@@ -179,8 +179,6 @@ std::vector<HostileCase> Cases() {
   return {
       {"spiral of 20000, filled and stroked, with shadow", 300, 300, spiral(20000, all),
        Outcome::Refused, "and its clipping path cross too often", nullptr},
-      {"spiral of 5000, filled and stroked, with shadow", 300, 300, spiral(5000, all),
-       Outcome::Refused, "and its clipping path cross too often", nullptr},
       {"spiral of 50000, filled and stroked, with shadow", 300, 300, spiral(50000, all),
        Outcome::Refused, "has too many edges", nullptr},
       {"spiral of 20000, filled, with shadow", 300, 300, spiral(20000, kFill | kWithShadow),

@@ -102,35 +102,6 @@ TEST(ImageCodecs, TiffIsBaselineRgbaWithAssociatedAlphaAndRoundTrips) {
   EXPECT_NEAR(decoded.bitmap->size().width, 2.5, 1e-4);
 }
 
-TEST(ImageCodecs, TiffWithUnassociatedAlphaAndLzwIsPremultipliedOnRead) {
-  std::string path = test::OutputPath("codecs/unassociated.tiff");
-  TIFF* file = TIFFOpen(path.c_str(), "w");
-  ASSERT_TRUE(file);
-  uint16_t extra[] = {EXTRASAMPLE_UNASSALPHA};
-  TIFFSetField(file, TIFFTAG_IMAGEWIDTH, 2);
-  TIFFSetField(file, TIFFTAG_IMAGELENGTH, 1);
-  TIFFSetField(file, TIFFTAG_BITSPERSAMPLE, 8);
-  TIFFSetField(file, TIFFTAG_SAMPLESPERPIXEL, 4);
-  TIFFSetField(file, TIFFTAG_EXTRASAMPLES, 1, extra);
-  TIFFSetField(file, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-  TIFFSetField(file, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-  TIFFSetField(file, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
-  TIFFSetField(file, TIFFTAG_XRESOLUTION, 50.0f);
-  TIFFSetField(file, TIFFTAG_YRESOLUTION, 50.0f);
-  TIFFSetField(file, TIFFTAG_RESOLUTIONUNIT, RESUNIT_CENTIMETER);
-  uint8_t pixels[] = {200, 100, 50, 128, 255, 255, 255, 255};
-  ASSERT_EQ(TIFFWriteScanline(file, pixels, 0, 0), 1);
-  TIFFClose(file);
-  DecodedImage decoded = ReadImageFile(path);
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_NEAR(decoded.bitmap->pixelAt(0, 0).red, 100, 1);
-  EXPECT_NEAR(decoded.bitmap->pixelAt(0, 0).green, 50, 1);
-  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0).alpha, 128);
-  EXPECT_EQ(decoded.bitmap->pixelAt(1, 0), (Rgba8{255, 255, 255, 255}));
-  // 50 dots a centimetre = 127 dpi.
-  EXPECT_NEAR(decoded.bitmap->size().width, 2 * 72.0 / 127.0, 1e-4);
-}
-
 // --- files written by the format's own library
 
 void ExpectNear(Rgba8 actual, Rgba8 expected, int tolerance) {

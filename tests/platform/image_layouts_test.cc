@@ -179,6 +179,15 @@ std::vector<LayoutCase> TiffCases() {
       {"tiff palette", MakeTiff(palette, "palette"), 3, {kBlue, kRed, kGreen}},
       {"tiff 8-bit associated alpha", MakeTiff(associated, "associated8"), 2,
        {{100, 50, 25, 128}, kClear}},
+      {"tiff 8-bit unassociated alpha, LZW",
+       MakeTiff(With(associated,
+                     [](TiffSpec& s) {
+                       s.extraSamples = {EXTRASAMPLE_UNASSALPHA};
+                       s.compression = COMPRESSION_LZW;
+                       s.samples = {200, 100, 50, 128, 255, 255, 255, 255};
+                     }),
+                "unassociated8"),
+       2, {Premultiplied({200, 100, 50, 128}), kWhite}},
   };
 }
 

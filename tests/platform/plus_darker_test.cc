@@ -12,8 +12,6 @@
 namespace paintdoc {
 namespace {
 
-using test::Draw;
-using test::ImagesMatch;
 using test::Inside;
 using test::MakeImage;
 using test::Mix;
@@ -41,81 +39,71 @@ void FillBackground(GraphicsContext& gc, int width, int height) {
   gc.fillRect(MakeRect(0, 0, width, height));
 }
 
-TEST(PlusDarker, FillAppliesTheFormulaMixedByCoverageWithinTheClip) {
-  // Edges at quarter and half pixels; the clip cuts off the top rows.
-  auto bitmap = Draw(12, 10, [](GraphicsContext& gc) {
-    FillBackground(gc, 12, 10);
-    gc.clipToRect(MakeRect(0, 0, 12, 7));
-    gc.setCompositingOperation(CompositingOperation::PlusDarker);
-    gc.setFillColor(kHalfYellow);
-    gc.fill(BezierPath::withRect(MakeRect(2.5, 1.75, 6.75, 6.75)));
-  });
-  const PixelValue inside = PlusDarker(kHalfYellowValue, kBackground);
-  auto expected = MakeImage(12, 10, [&](int x, int y) {
-    double coverage = y >= 7 ? 0 : Overlap(x, 2.5, 9.25) * Overlap(y, 1.75, 8.5);
-    return Mix(kBackground, inside, coverage).toRgba8();
-  });
-  EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 2, "plus_darker_fill"));
-}
-
-TEST(PlusDarker, ImageActsOnItsRectangleWithFractionAndGlobalAlphaOnTheSource) {
-  // Distinct pixels, one transparent: inside the rectangle it still counts as
-  // a (transparent) source.
+// A fill mixed by coverage (edges at quarter and half pixels) and cut by the
+// clip; an image on its rectangle, where a transparent pixel still counts as
+// a source; a layer on the whole clip, where max(0, D − 1) leaves nothing; a
+// shadow through the same operation, its colour masked by the fill's alpha.
+TEST(PlusDarker, FillsImagesLayersAndShadowsFollowTheFormula) {
   auto image = MakeImage(4, 4, [](int x, int y) {
     if (x == 0 && y == 0) return Rgba8{};
     return Rgba8{static_cast<uint8_t>(40 + 60 * x), static_cast<uint8_t>(30 + 70 * y), 90, 255};
   });
-  auto bitmap = Draw(10, 8, [&](GraphicsContext& gc) {
-    FillBackground(gc, 10, 8);
-    gc.setAlpha(0.8);
-    gc.setImageInterpolation(ImageInterpolation::None);
-    gc.drawBitmap(*image, MakeRect(3, 2, 4, 4), ZeroRect(), CompositingOperation::PlusDarker, 0.75);
-  });
-  auto expected = MakeImage(10, 8, [&](int x, int y) {
-    if (!Inside(x, y, 3, 2, 7, 6)) return kBackground.toRgba8();
-    PixelValue source = FromRgba8(test::PixelAt(*image, x - 3, y - 2)) * (0.8 * 0.75);
-    return PlusDarker(source, kBackground).toRgba8();
-  });
-  EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 2, "plus_darker_image"));
-}
-
-TEST(PlusDarker, LayerCompositeActsOnTheWholeClip) {
-  auto bitmap = Draw(12, 10, [](GraphicsContext& gc) {
-    FillBackground(gc, 12, 10);
-    gc.clipToRect(MakeRect(2, 2, 8, 6));
-    gc.setCompositingOperation(CompositingOperation::PlusDarker);
-    gc.beginTransparencyLayer();
-    gc.setFillColor(kHalfYellow);
-    gc.fillRect(MakeRect(4, 4, 3, 2));
-    gc.endTransparencyLayer();
-  });
-  // Where the layer is transparent, max(0, D − 1) leaves nothing.
-  auto expected = MakeImage(12, 10, [](int x, int y) {
-    if (!Inside(x, y, 2, 2, 10, 8)) return kBackground.toRgba8();
-    PixelValue source = Inside(x, y, 4, 4, 7, 6) ? kHalfYellowValue : PixelValue{};
-    return PlusDarker(source, kBackground).toRgba8();
-  });
-  EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 2, "plus_darker_layer"));
-}
-
-TEST(PlusDarker, ShadowCompositesWithTheSameOperation) {
-  auto bitmap = Draw(12, 10, [](GraphicsContext& gc) {
-    FillBackground(gc, 12, 10);
-    gc.setCompositingOperation(CompositingOperation::PlusDarker);
-    gc.setShadow(Shadow(Color::calibratedRGB(0, 0, 0, 0.5), {2, -2}, 0));
-    gc.setFillColor(kHalfYellow);
-    gc.fillRect(MakeRect(4, 5, 4, 3));
-  });
-  // The shadow is its colour through a mask of the fill's alpha, which acts
-  // as the shadow's coverage.
   const PixelValue shadow = PixelValue::straight(0, 0, 0, 0.5);
-  auto expected = MakeImage(12, 10, [&](int x, int y) {
-    PixelValue pixel = kBackground;
-    if (Inside(x, y, 6, 3, 10, 6)) pixel = Mix(pixel, PlusDarker(shadow, pixel), 0.75);
-    if (Inside(x, y, 4, 5, 8, 8)) pixel = PlusDarker(kHalfYellowValue, pixel);
-    return pixel.toRgba8();
+  test::ExpectDrawings({
+      {"plus_darker_fill", 12, 10, 2,
+       [](GraphicsContext& gc) {
+         FillBackground(gc, 12, 10);
+         gc.clipToRect(MakeRect(0, 0, 12, 7));
+         gc.setCompositingOperation(CompositingOperation::PlusDarker);
+         gc.setFillColor(kHalfYellow);
+         gc.fill(BezierPath::withRect(MakeRect(2.5, 1.75, 6.75, 6.75)));
+       },
+       [](int x, int y) {
+         double coverage = y >= 7 ? 0 : Overlap(x, 2.5, 9.25) * Overlap(y, 1.75, 8.5);
+         return Mix(kBackground, PlusDarker(kHalfYellowValue, kBackground), coverage).toRgba8();
+       }},
+      {"plus_darker_image", 10, 8, 2,
+       [&](GraphicsContext& gc) {
+         FillBackground(gc, 10, 8);
+         gc.setAlpha(0.8);
+         gc.setImageInterpolation(ImageInterpolation::None);
+         gc.drawBitmap(*image, MakeRect(3, 2, 4, 4), ZeroRect(), CompositingOperation::PlusDarker, 0.75);
+       },
+       [&](int x, int y) {
+         if (!Inside(x, y, 3, 2, 7, 6)) return kBackground.toRgba8();
+         PixelValue source = FromRgba8(test::PixelAt(*image, x - 3, y - 2)) * (0.8 * 0.75);
+         return PlusDarker(source, kBackground).toRgba8();
+       }},
+      {"plus_darker_layer", 12, 10, 2,
+       [](GraphicsContext& gc) {
+         FillBackground(gc, 12, 10);
+         gc.clipToRect(MakeRect(2, 2, 8, 6));
+         gc.setCompositingOperation(CompositingOperation::PlusDarker);
+         gc.beginTransparencyLayer();
+         gc.setFillColor(kHalfYellow);
+         gc.fillRect(MakeRect(4, 4, 3, 2));
+         gc.endTransparencyLayer();
+       },
+       [](int x, int y) {
+         if (!Inside(x, y, 2, 2, 10, 8)) return kBackground.toRgba8();
+         PixelValue source = Inside(x, y, 4, 4, 7, 6) ? kHalfYellowValue : PixelValue{};
+         return PlusDarker(source, kBackground).toRgba8();
+       }},
+      {"plus_darker_shadow", 12, 10, 2,
+       [](GraphicsContext& gc) {
+         FillBackground(gc, 12, 10);
+         gc.setCompositingOperation(CompositingOperation::PlusDarker);
+         gc.setShadow(Shadow(Color::calibratedRGB(0, 0, 0, 0.5), {2, -2}, 0));
+         gc.setFillColor(kHalfYellow);
+         gc.fillRect(MakeRect(4, 5, 4, 3));
+       },
+       [&](int x, int y) {
+         PixelValue pixel = kBackground;
+         if (Inside(x, y, 6, 3, 10, 6)) pixel = Mix(pixel, PlusDarker(shadow, pixel), 0.75);
+         if (Inside(x, y, 4, 5, 8, 8)) pixel = PlusDarker(kHalfYellowValue, pixel);
+         return pixel.toRgba8();
+       }},
   });
-  EXPECT_TRUE(ImagesMatch(*bitmap, *expected, 2, "plus_darker_shadow"));
 }
 
 }  // namespace
