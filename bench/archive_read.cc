@@ -171,7 +171,7 @@ void BM_Read200MBImageDocumentAndDecodePixels(benchmark::State& state) {
   for (auto _ : state) {
     auto canvas = ReadDocument(bytes);
     auto image = ReadImage(canvas->layers.at(0)->image.span());
-    benchmark::DoNotOptimize(image.bitmap->data());
+    benchmark::DoNotOptimize(image->bitmap->data());
   }
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes.size()));
 }

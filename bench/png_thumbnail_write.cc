@@ -33,7 +33,7 @@ std::shared_ptr<Bitmap> SyntheticThumbnail() {
 const Bitmap& Thumbnail() {
   static const std::shared_ptr<Bitmap> bitmap = [] {
     if (const char* path = std::getenv("PAINTDOC_THUMBNAIL_PNG")) {
-      if (std::shared_ptr<Bitmap> read = ReadImageFile(path).bitmap) return read;
+      if (std::shared_ptr<Bitmap> read = ReadImageFile(path)->bitmap) return read;
     }
     return SyntheticThumbnail();
   }();

@@ -31,13 +31,13 @@ ArchiveValue ReadBitmapImageRepObject(KeyedUnarchiver& coder, std::string_view) 
     Log("Warning: KeyedUnarchiver: a bitmap without image data reads as nil");
     return {};
   }
-  DecodedImage image = ReadImage(tiff->span());
+  ImageResult image = ReadImage(tiff->span());
   if (!image) {
-    Log("Warning: KeyedUnarchiver: the image data of a bitmap cannot be read (" + image.error +
+    Log("Warning: KeyedUnarchiver: the image data of a bitmap cannot be read (" + image.reason() +
         "); it reads as nil");
     return {};
   }
-  return ArchiveValue(std::move(image.bitmap));
+  return ArchiveValue(std::move(image->bitmap));
 }
 
 uint64_t WriteBitmapImageRep(ArchiveObjectWriter& writer, const Bitmap& bitmap) {

@@ -63,7 +63,8 @@ std::shared_ptr<PaintManager> PaintManager::withImage(const std::shared_ptr<Bitm
   if (!image) return withImageRep(nullptr);
   const std::optional<std::vector<uint8_t>> tiff = WriteTIFF(*image);
   if (!tiff) return withImageRep(nullptr);
-  return withImageRep(ReadTIFF(*tiff).bitmap);
+  ImageResult normalised = ReadTIFF(*tiff);
+  return withImageRep(normalised ? normalised->bitmap : nullptr);
 }
 
 void PaintManager::setSize(Size size) {

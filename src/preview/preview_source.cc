@@ -63,23 +63,22 @@ PreviewSource ReadImageContent(const SharedBytes& bytes, bool wasKeyedArchive,
   ImageReadOptions options;
   options.maxPixels = limits.maxImagePixels;
   options.shrinkToFit = fitInto;
-  DecodedImage decoded = ReadImage(bytes.span(), options);
+  ImageResult decoded = ReadImage(bytes.span(), options);
   if (!decoded) {
     if (wasKeyedArchive) {
       return Refused(PreviewStatus::NotAnImage,
                      "a keyed archive without \"PaintData\" and \"Resolution\" is no paint "
                      "document, and it is no image either");
     }
-    if (decoded.format == ImageFormat::Unknown) {
+    if (DetectImageFormat(bytes.span()) == ImageFormat::Unknown) {
       return Refused(PreviewStatus::NotAnImage, "neither a paint document nor an image");
     }
-    return Refused(PreviewStatus::NotAnImage, "unreadable " +
-                                                  std::string(ImageFormatName(decoded.format)) +
-                                                  " image: " + decoded.error);
+    // The reader's line names the format: "unreadable PNG image: ...".
+    return Refused(PreviewStatus::NotAnImage, "unreadable " + decoded.reason());
   }
   PreviewSource source;
   source.status = PreviewStatus::Image;
-  source.image = std::move(decoded.bitmap);
+  source.image = std::move(decoded->bitmap);
   source.contentSize = source.image->size();
   return WithCheckedSize(std::move(source), limits);
 }

@@ -158,15 +158,15 @@ TEST(ColourProfiles, EmbeddedProfilesAreConvertedToSRGB) {
     SCOPED_TRACE(format.name);
     const Profile& profile = format.grey ? grey : wide;
     LogCapture log;
-    DecodedImage plain = ReadImage(format.make({}));
-    DecodedImage converted = ReadImage(format.make(profile));
-    ASSERT_TRUE(plain) << plain.error;
-    ASSERT_TRUE(converted) << converted.error;
+    ImageResult plain = ReadImage(format.make({}));
+    ImageResult converted = ReadImage(format.make(profile));
+    ASSERT_TRUE(plain) << plain.reason();
+    ASSERT_TRUE(converted) << converted.reason();
     EXPECT_TRUE(log.messages().empty()) << log.messages().front();
-    for (int x : {0, plain.bitmap->pixelsWide() - 1}) {
-      const Rgba8 stored = plain.bitmap->pixelAt(x, 0);
+    for (int x : {0, plain->bitmap->pixelsWide() - 1}) {
+      const Rgba8 stored = plain->bitmap->pixelAt(x, 0);
       const Rgba8 expected = ExpectedSRGB(profile, stored, format.grey);
-      EXPECT_EQ(converted.bitmap->pixelAt(x, 0), expected) << "pixel " << x;
+      EXPECT_EQ(converted->bitmap->pixelAt(x, 0), expected) << "pixel " << x;
       EXPECT_NE(expected, stored);
       for (uint8_t channel : {expected.red, expected.green, expected.blue}) {
         EXPECT_TRUE(channel > 0 && channel < 255) << "clipped: the colour proves nothing";
@@ -192,14 +192,14 @@ TEST(ColourProfiles, BadProfilesAreIgnoredWithAWarning) {
        }()},
       {"for Lab data", SaveProfile(lab)},
   };
-  const DecodedImage plain = ReadImage(MakeTiffWithProfile({}));
+  const ImageResult plain = ReadImage(MakeTiffWithProfile({}));
   ASSERT_TRUE(plain);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     LogCapture log;
-    DecodedImage decoded = ReadImage(MakeTiffWithProfile(c.profile));
-    ASSERT_TRUE(decoded) << decoded.error;
-    EXPECT_TRUE(decoded.bitmap->samePixels(*plain.bitmap));
+    ImageResult decoded = ReadImage(MakeTiffWithProfile(c.profile));
+    ASSERT_TRUE(decoded) << decoded.reason();
+    EXPECT_TRUE(decoded->bitmap->samePixels(*plain->bitmap));
     EXPECT_TRUE(log.contains("Warning: TIFF image: colour profile ignored ("))
         << (log.messages().empty() ? "no warning" : log.messages().front());
   }

@@ -44,11 +44,11 @@ TEST(ImageCodecs, PngRoundTripKeepsPremultipliedPixelsExactly) {
   auto png = WritePNG(*card);
   ASSERT_TRUE(png);
   EXPECT_EQ(DetectImageFormat(*png), ImageFormat::PNG);
-  DecodedImage decoded = ReadImage(*png);
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_EQ(decoded.format, ImageFormat::PNG);
-  EXPECT_TRUE(ImagesMatch(*decoded.bitmap, *card, 0, "png_round_trip"));
-  EXPECT_EQ(decoded.bitmap->size(), MakeSize(5, 4));
+  ImageResult decoded = ReadImage(*png);
+  ASSERT_TRUE(decoded) << decoded.reason();
+  EXPECT_EQ(decoded->format, ImageFormat::PNG);
+  EXPECT_TRUE(ImagesMatch(*decoded->bitmap, *card, 0, "png_round_trip"));
+  EXPECT_EQ(decoded->bitmap->size(), MakeSize(5, 4));
 }
 
 TEST(ImageCodecs, OpaquePngIsWrittenWithoutAlphaAndResolutionSurvives) {
@@ -61,11 +61,11 @@ TEST(ImageCodecs, OpaquePngIsWrittenWithoutAlphaAndResolutionSurvives) {
   auto png = WritePNG(*bitmap, options);
   ASSERT_TRUE(png);
   EXPECT_EQ((*png)[25], 2) << "IHDR colour type should be RGB";
-  DecodedImage decoded = ReadPNG(*png);
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_TRUE(decoded.bitmap->samePixels(*bitmap));
-  EXPECT_NEAR(decoded.bitmap->size().width, 4, 0.01);
-  EXPECT_NEAR(decoded.bitmap->size().height, 3, 0.01);
+  ImageResult decoded = ReadPNG(*png);
+  ASSERT_TRUE(decoded) << decoded.reason();
+  EXPECT_TRUE(decoded->bitmap->samePixels(*bitmap));
+  EXPECT_NEAR(decoded->bitmap->size().width, 4, 0.01);
+  EXPECT_NEAR(decoded->bitmap->size().height, 3, 0.01);
 }
 
 TEST(ImageCodecs, TiffIsBaselineRgbaWithAssociatedAlphaAndRoundTrips) {
@@ -96,10 +96,10 @@ TEST(ImageCodecs, TiffIsBaselineRgbaWithAssociatedAlphaAndRoundTrips) {
   EXPECT_EQ(stored, card->pixelAt(1, 1));
   TIFFClose(file);
 
-  DecodedImage decoded = ReadImage(*tiff);
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_TRUE(ImagesMatch(*decoded.bitmap, *card, 0, "tiff_round_trip"));
-  EXPECT_NEAR(decoded.bitmap->size().width, 2.5, 1e-4);
+  ImageResult decoded = ReadImage(*tiff);
+  ASSERT_TRUE(decoded) << decoded.reason();
+  EXPECT_TRUE(ImagesMatch(*decoded->bitmap, *card, 0, "tiff_round_trip"));
+  EXPECT_NEAR(decoded->bitmap->size().width, 2.5, 1e-4);
 }
 
 // --- files written by the format's own library
@@ -114,17 +114,17 @@ void ExpectNear(Rgba8 actual, Rgba8 expected, int tolerance) {
 TEST(ImageCodecs, JpegDecodesColourAndDensity) {
   std::vector<uint8_t> jpeg =
       EncodeJpeg(16, 8, [](int, int) { return Rgba8{200, 60, 20, 255}; }, 0, 144);
-  DecodedImage decoded = ReadImage(jpeg);
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_EQ(decoded.format, ImageFormat::JPEG);
-  ExpectNear(decoded.bitmap->pixelAt(5, 3), {200, 60, 20, 255}, 4);
-  EXPECT_EQ(decoded.bitmap->size(), MakeSize(8, 4));
+  ImageResult decoded = ReadImage(jpeg);
+  ASSERT_TRUE(decoded) << decoded.reason();
+  EXPECT_EQ(decoded->format, ImageFormat::JPEG);
+  ExpectNear(decoded->bitmap->pixelAt(5, 3), {200, 60, 20, 255}, 4);
+  EXPECT_EQ(decoded->bitmap->size(), MakeSize(8, 4));
 
   // Cut inside the header: a clear error. Cut in the scan data: a partial image.
-  DecodedImage headerCut = ReadImage(std::span(jpeg).first(40));
+  ImageResult headerCut = ReadImage(std::span(jpeg).first(40));
   EXPECT_FALSE(headerCut);
-  EXPECT_NE(headerCut.error.find("JPEG image: malformed data"), std::string::npos)
-      << headerCut.error;
+  EXPECT_NE(headerCut.reason().find("JPEG image: malformed data"), std::string::npos)
+      << headerCut.reason();
 }
 
 TEST(ImageCodecs, JpegIsTurnedUprightByItsExifOrientation) {
@@ -137,16 +137,16 @@ TEST(ImageCodecs, JpegIsTurnedUprightByItsExifOrientation) {
   };
   for (const Case& c : {Case{1, 32, 16, red, blue}, Case{3, 32, 16, blue, red},
                         Case{6, 16, 32, red, blue}, Case{8, 16, 32, blue, red}}) {
-    DecodedImage decoded = ReadImage(EncodeJpeg(32, 16, halves, c.orientation));
-    ASSERT_TRUE(decoded) << decoded.error;
-    EXPECT_EQ(decoded.bitmap->pixelsWide(), c.width) << c.orientation;
-    EXPECT_EQ(decoded.bitmap->pixelsHigh(), c.height) << c.orientation;
-    ExpectNear(decoded.bitmap->pixelAt(2, 2), c.topLeft, 8);
-    ExpectNear(decoded.bitmap->pixelAt(c.width - 3, c.height - 3), c.bottomRight, 8);
+    ImageResult decoded = ReadImage(EncodeJpeg(32, 16, halves, c.orientation));
+    ASSERT_TRUE(decoded) << decoded.reason();
+    EXPECT_EQ(decoded->bitmap->pixelsWide(), c.width) << c.orientation;
+    EXPECT_EQ(decoded->bitmap->pixelsHigh(), c.height) << c.orientation;
+    ExpectNear(decoded->bitmap->pixelAt(2, 2), c.topLeft, 8);
+    ExpectNear(decoded->bitmap->pixelAt(c.width - 3, c.height - 3), c.bottomRight, 8);
   }
-  DecodedImage raw = ReadImage(EncodeJpeg(32, 16, halves, 6), {.applyExifOrientation = false});
+  ImageResult raw = ReadImage(EncodeJpeg(32, 16, halves, 6), {.applyExifOrientation = false});
   ASSERT_TRUE(raw);
-  EXPECT_EQ(raw.bitmap->pixelsWide(), 32);
+  EXPECT_EQ(raw->bitmap->pixelsWide(), 32);
 }
 
 int WriteGifBytes(GifFileType* gif, const GifByteType* data, int length) {
@@ -185,13 +185,13 @@ std::vector<uint8_t> MakeGif(bool interlaced) {
 TEST(ImageCodecs, GifFirstFrameSitsOnTheScreenWithTransparency) {
   for (bool interlaced : {false, true}) {
     std::vector<uint8_t> gif = MakeGif(interlaced);
-    DecodedImage decoded = ReadImage(gif);
-    ASSERT_TRUE(decoded) << decoded.error;
+    ImageResult decoded = ReadImage(gif);
+    ASSERT_TRUE(decoded) << decoded.reason();
     const Rgba8 colors[4] = {{255, 0, 0, 255}, {0, 255, 0, 255}, {0, 0, 0, 0}, {9, 9, 9, 255}};
     auto expected = Bitmap::create(6, 5);
     for (int r = 0; r < 3; ++r)
       for (int x = 0; x < 4; ++x) expected->setPixelAt(1 + x, 1 + r, colors[(r + x) % 4]);
-    EXPECT_TRUE(ImagesMatch(*decoded.bitmap, *expected, 0,
+    EXPECT_TRUE(ImagesMatch(*decoded->bitmap, *expected, 0,
                             interlaced ? "gif_interlaced" : "gif_progressive"));
   }
 }
@@ -203,15 +203,15 @@ TEST(ImageCodecs, LosslessWebPDecodesPremultiplied) {
   ASSERT_GT(size, 0u);
   std::vector<uint8_t> webp(encoded, encoded + size);
   WebPFree(encoded);
-  DecodedImage decoded = ReadImage(webp);
-  ASSERT_TRUE(decoded) << decoded.error;
-  EXPECT_EQ(decoded.bitmap->pixelAt(0, 0), (Rgba8{100, 50, 25, 128}));
-  EXPECT_EQ(decoded.bitmap->pixelAt(1, 0), (Rgba8{0, 0, 255, 255}));
-  EXPECT_EQ(decoded.bitmap->pixelAt(0, 1), (Rgba8{0, 0, 0, 0}));
-  EXPECT_EQ(decoded.bitmap->pixelAt(1, 1), (Rgba8{64, 64, 64, 64}));
-  DecodedImage cut = ReadImage(std::span(webp).first(webp.size() / 2));
+  ImageResult decoded = ReadImage(webp);
+  ASSERT_TRUE(decoded) << decoded.reason();
+  EXPECT_EQ(decoded->bitmap->pixelAt(0, 0), (Rgba8{100, 50, 25, 128}));
+  EXPECT_EQ(decoded->bitmap->pixelAt(1, 0), (Rgba8{0, 0, 255, 255}));
+  EXPECT_EQ(decoded->bitmap->pixelAt(0, 1), (Rgba8{0, 0, 0, 0}));
+  EXPECT_EQ(decoded->bitmap->pixelAt(1, 1), (Rgba8{64, 64, 64, 64}));
+  ImageResult cut = ReadImage(std::span(webp).first(webp.size() / 2));
   EXPECT_FALSE(cut);
-  EXPECT_NE(cut.error.find("WebP image"), std::string::npos);
+  EXPECT_NE(cut.reason().find("WebP image"), std::string::npos);
 }
 
 // A BMP's pixels a metre become its point size: 5669 is 144 dpi; 2835 (72.009
@@ -225,10 +225,10 @@ TEST(ImageCodecs, BmpResolutionSetsThePointSize) {
   for (const Case& c : {Case{5669, 3, 1.5}, Case{2835, 16, 15.998}, Case{0, 5, 5}}) {
     SCOPED_TRACE(c.pixelsPerMetre);
     std::vector<uint8_t> pixels(static_cast<size_t>((c.pixels * 3 + 3) / 4 * 4), 0);
-    DecodedImage decoded = ReadImage(MakeBmp(c.pixels, 1, 24, 0, {}, pixels, {}, c.pixelsPerMetre));
-    ASSERT_TRUE(decoded) << decoded.error;
-    EXPECT_EQ(decoded.bitmap->pixelsWide(), c.pixels);
-    EXPECT_NEAR(decoded.bitmap->size().width, c.points, 0.001);
+    ImageResult decoded = ReadImage(MakeBmp(c.pixels, 1, 24, 0, {}, pixels, {}, c.pixelsPerMetre));
+    ASSERT_TRUE(decoded) << decoded.reason();
+    EXPECT_EQ(decoded->bitmap->pixelsWide(), c.pixels);
+    EXPECT_NEAR(decoded->bitmap->size().width, c.points, 0.001);
   }
 }
 
@@ -248,7 +248,7 @@ TEST(ImageCodecs, PixelLimitsHoldExactlyAtTheirBoundary) {
   for (const Case& c : {Case{"PNG", png, 20}, Case{"BMP", bmp, 300 * 200}}) {
     for (uint64_t limit : {c.pixels - 1, c.pixels, c.pixels + 1}) {
       SCOPED_TRACE(std::string(c.what) + " limit " + std::to_string(limit));
-      const std::string error = ReadImage(c.bytes, {.maxPixels = limit}).error;
+      const std::string error = ReadImage(c.bytes, {.maxPixels = limit}).reason();
       const bool refused = error.find("above the limit of " + std::to_string(limit) + " pixels") !=
                            std::string::npos;
       EXPECT_EQ(refused, limit < c.pixels) << error;
@@ -257,43 +257,43 @@ TEST(ImageCodecs, PixelLimitsHoldExactlyAtTheirBoundary) {
   EXPECT_TRUE(ReadImage(png, {.maxPixels = 20}));
 
   // A header claiming 30000 × 30000 pixels (900 megapixels): the default limit.
-  DecodedImage huge = ReadImage(MakeBmp(30000, 30000, 24, 0, {}, {0, 0, 0, 0}));
-  EXPECT_NE(huge.error.find("above the limit"), std::string::npos) << huge.error;
+  ImageResult huge = ReadImage(MakeBmp(30000, 30000, 24, 0, {}, {0, 0, 0, 0}));
+  EXPECT_NE(huge.reason().find("above the limit"), std::string::npos) << huge.reason();
   for (int32_t side : {Bitmap::kMaxDimension - 1, Bitmap::kMaxDimension, Bitmap::kMaxDimension + 1}) {
     SCOPED_TRACE(side);
-    const std::string wide = ReadImage(MakeBmp(side, 1, 24, 0, {}, {0, 0, 0, 0})).error;
-    const std::string tall = ReadImage(MakeBmp(1, side, 24, 0, {}, {0, 0, 0, 0})).error;
+    const std::string wide = ReadImage(MakeBmp(side, 1, 24, 0, {}, {0, 0, 0, 0})).reason();
+    const std::string tall = ReadImage(MakeBmp(1, side, 24, 0, {}, {0, 0, 0, 0})).reason();
     EXPECT_EQ(wide.find("too large") != std::string::npos, side > Bitmap::kMaxDimension) << wide;
     EXPECT_EQ(tall.find("too large") != std::string::npos, side > Bitmap::kMaxDimension) << tall;
   }
 }
 
 TEST(ImageCodecs, MalformedInputGivesAClearError) {
-  EXPECT_EQ(ReadImage(std::vector<uint8_t>{}).error, "image data is empty");
+  EXPECT_EQ(ReadImage(std::vector<uint8_t>{}).reason(), "image data is empty");
   std::vector<uint8_t> text = {'h', 'e', 'l', 'l', 'o'};
-  EXPECT_NE(ReadImage(text).error.find("not an image in a supported format"), std::string::npos);
+  EXPECT_NE(ReadImage(text).reason().find("not an image in a supported format"), std::string::npos);
 
   auto png = *WritePNG(*TestCard());
-  DecodedImage cut = ReadImage(std::span(png).first(png.size() - 20));
+  ImageResult cut = ReadImage(std::span(png).first(png.size() - 20));
   EXPECT_FALSE(cut);
-  EXPECT_EQ(cut.error.rfind("PNG image: ", 0), 0u) << cut.error;
+  EXPECT_EQ(cut.reason().rfind("PNG image: ", 0), 0u) << cut.reason();
 
   auto tiff = *WriteTIFF(*TestCard());
-  DecodedImage tiffCut = ReadImage(std::span(tiff).first(60));
+  ImageResult tiffCut = ReadImage(std::span(tiff).first(60));
   EXPECT_FALSE(tiffCut);
-  EXPECT_EQ(tiffCut.error.rfind("TIFF image: ", 0), 0u) << tiffCut.error;
+  EXPECT_EQ(tiffCut.reason().rfind("TIFF image: ", 0), 0u) << tiffCut.reason();
 
   std::vector<uint8_t> gif = MakeGif(false);
-  DecodedImage gifCut = ReadImage(std::span(gif).first(30));
+  ImageResult gifCut = ReadImage(std::span(gif).first(30));
   EXPECT_FALSE(gifCut);
-  EXPECT_EQ(gifCut.error.rfind("GIF image: ", 0), 0u) << gifCut.error;
+  EXPECT_EQ(gifCut.reason().rfind("GIF image: ", 0), 0u) << gifCut.reason();
 
-  DecodedImage bmpCut = ReadImage(MakeBmp(4, 4, 24, 0, {}, std::vector<uint8_t>(20)));
-  EXPECT_EQ(bmpCut.error, "BMP image: pixel data is truncated");
+  ImageResult bmpCut = ReadImage(MakeBmp(4, 4, 24, 0, {}, std::vector<uint8_t>(20)));
+  EXPECT_EQ(bmpCut.reason(), "BMP image: pixel data is truncated");
 
-  DecodedImage missing = ReadImageFile("/nonexistent/picture.png");
+  ImageResult missing = ReadImageFile("/nonexistent/picture.png");
   EXPECT_FALSE(missing);
-  EXPECT_NE(missing.error.find("/nonexistent/picture.png"), std::string::npos);
+  EXPECT_NE(missing.reason().find("/nonexistent/picture.png"), std::string::npos);
 }
 
 // Random corruption of valid files of every format must give a bitmap or an
@@ -324,8 +324,8 @@ TEST(ImageCodecs, CorruptedFilesNeverCrash) {
       int flips = 1 + static_cast<int>(random() % 4);
       for (int i = 0; i < flips; ++i) bytes[random() % bytes.size()] = static_cast<uint8_t>(random());
       if (random() % 3 == 0) bytes.resize(random() % bytes.size());
-      DecodedImage result = ReadImage(bytes, {.maxPixels = 1 << 20});
-      EXPECT_TRUE(result.bitmap || !result.error.empty());
+      ImageResult result = ReadImage(bytes, {.maxPixels = 1 << 20});
+      EXPECT_TRUE(result->bitmap || !result.reason().empty());
     }
   }
 }

@@ -196,15 +196,15 @@ TEST(ImageLayouts, EachLayoutDecodesExactly) {
   for (LayoutCase& c : TiffCases()) cases.push_back(std::move(c));
   for (const LayoutCase& c : cases) {
     SCOPED_TRACE(c.name);
-    DecodedImage decoded = ReadImage(c.file);
-    ASSERT_TRUE(decoded) << decoded.error;
+    ImageResult decoded = ReadImage(c.file);
+    ASSERT_TRUE(decoded) << decoded.reason();
     const int height = static_cast<int>(c.expected.size()) / c.width;
     auto expected = Bitmap::create(c.width, height);
     for (size_t i = 0; i < c.expected.size(); ++i) {
       expected->setPixelAt(static_cast<int>(i) % c.width, static_cast<int>(i) / c.width,
                            c.expected[i]);
     }
-    EXPECT_TRUE(test::ImagesMatch(*decoded.bitmap, *expected, 0, "layout"));
+    EXPECT_TRUE(test::ImagesMatch(*decoded->bitmap, *expected, 0, "layout"));
   }
 }
 
@@ -230,9 +230,9 @@ TEST(ImageLayouts, UnreadableSampleLayoutsAreRefusedClearly) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    DecodedImage decoded = ReadImage(c.file);
+    ImageResult decoded = ReadImage(c.file);
     EXPECT_FALSE(decoded);
-    EXPECT_EQ(decoded.error.rfind(c.error, 0), 0u) << decoded.error;
+    EXPECT_EQ(decoded.reason().rfind(c.error, 0), 0u) << decoded.reason();
   }
 }
 

@@ -30,11 +30,11 @@ TEST(JpegShrinkOnLoad, DecodesTheFewestPixelsThatCoverTheThumbnail) {
         c.dotsPerInch);
     ImageReadOptions options;
     options.shrinkToFit = c.shrinkToFit;
-    const DecodedImage image = ReadJPEG(jpeg, options);
-    ASSERT_TRUE(image) << image.error;
-    EXPECT_EQ(image.bitmap->pixelsWide(), c.wide);
-    EXPECT_EQ(image.bitmap->pixelsHigh(), c.high);
-    EXPECT_EQ(image.bitmap->size(), (Size{c.pointsWide, c.pointsHigh}));
+    const ImageResult image = ReadJPEG(jpeg, options);
+    ASSERT_TRUE(image) << image.reason();
+    EXPECT_EQ(image->bitmap->pixelsWide(), c.wide);
+    EXPECT_EQ(image->bitmap->pixelsHigh(), c.high);
+    EXPECT_EQ(image->bitmap->size(), (Size{c.pointsWide, c.pointsHigh}));
   }
 }
 

@@ -15,7 +15,7 @@
 namespace paintdoc {
 namespace {
 
-using image_decoding::Failure;
+using image_decoding::Refused;
 
 constexpr size_t kFileHeaderSize = 14;
 // Compression 4 is JPEG data in Windows files (never with a bit count of 24)
@@ -68,7 +68,7 @@ class BmpDecoder {
   BmpDecoder(std::span<const uint8_t> bytes, const ImageReadOptions& options)
       : bytes_(bytes), options_(options) {}
 
-  DecodedImage decode();
+  ImageResult decode();
 
  private:
   bool has(size_t offset, size_t length) const {
@@ -339,30 +339,30 @@ void FinishAlpha(Bitmap& bitmap) {
   }
 }
 
-DecodedImage BmpDecoder::decode() {
+ImageResult BmpDecoder::decode() {
   std::string error = readHeader();
   if (error.empty()) error = readPalette();
   if (error.empty() && header_.pixelOffset >= bytes_.size()) error = "pixel data is missing";
-  if (!error.empty()) return Failure(ImageFormat::BMP, error);
+  if (!error.empty()) return Refused(ImageFormat::BMP, error);
   bitmap_ = Bitmap::create(static_cast<int>(header_.width), static_cast<int>(header_.height));
-  if (!bitmap_) return Failure(ImageFormat::BMP, "out of memory");
+  if (!bitmap_) return Refused(ImageFormat::BMP, "out of memory");
   if (isRunLength()) {
     decodeRunLengths();
   } else {
     decodeRows();
   }
-  if (truncated_) return Failure(ImageFormat::BMP, "pixel data is truncated");
+  if (truncated_) return Refused(ImageFormat::BMP, "pixel data is truncated");
   if (header_.masks[3] != 0) FinishAlpha(*bitmap_);
   image_decoding::ConvertToSRGB(*bitmap_, embeddedProfile(), ImageFormat::BMP);
   double metresPerInch = image_decoding::kCentimetresPerInch / 100.0;
   image_decoding::ApplyResolution(*bitmap_, header_.xPixelsPerMetre * metresPerInch,
                                   header_.yPixelsPerMetre * metresPerInch);
-  return image_decoding::Success(ImageFormat::BMP, std::move(bitmap_));
+  return image_decoding::Decoded(ImageFormat::BMP, std::move(bitmap_));
 }
 
 }  // namespace
 
-DecodedImage ReadBMP(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+ImageResult ReadBMP(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
   return BmpDecoder(bytes, options).decode();
 }
 

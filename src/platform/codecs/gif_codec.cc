@@ -13,7 +13,7 @@
 namespace paintdoc {
 namespace {
 
-using image_decoding::Failure;
+using image_decoding::Refused;
 
 struct GifInput {
   std::span<const uint8_t> bytes;
@@ -90,25 +90,25 @@ bool DecodeFrame(GifFileType* gif, int transparentIndex, Bitmap& bitmap) {
 
 }  // namespace
 
-DecodedImage ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+ImageResult ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
   GifInput input{bytes};
   int errorCode = 0;
   GifPtr gif(DGifOpen(&input, ReadGifBytes, &errorCode));
-  if (!gif) return Failure(ImageFormat::GIF, GifReason(errorCode));
+  if (!gif) return Refused(ImageFormat::GIF, GifReason(errorCode));
 
   const GifByteType* controlExtension = nullptr;
   std::vector<GifByteType> savedControl;
   while (true) {
     GifRecordType record = UNDEFINED_RECORD_TYPE;
     if (DGifGetRecordType(gif.get(), &record) != GIF_OK) {
-      return Failure(ImageFormat::GIF, GifReason(gif->Error));
+      return Refused(ImageFormat::GIF, GifReason(gif->Error));
     }
-    if (record == TERMINATE_RECORD_TYPE) return Failure(ImageFormat::GIF, "holds no image");
+    if (record == TERMINATE_RECORD_TYPE) return Refused(ImageFormat::GIF, "holds no image");
     if (record == EXTENSION_RECORD_TYPE) {
       int code = 0;
       GifByteType* block = nullptr;
       if (DGifGetExtension(gif.get(), &code, &block) != GIF_OK) {
-        return Failure(ImageFormat::GIF, GifReason(gif->Error));
+        return Refused(ImageFormat::GIF, GifReason(gif->Error));
       }
       if (code == GRAPHICS_EXT_FUNC_CODE && block && block[0] >= 4) {
         savedControl.assign(block, block + 1 + block[0]);
@@ -116,7 +116,7 @@ DecodedImage ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& opt
       }
       while (block) {
         if (DGifGetExtensionNext(gif.get(), &block) != GIF_OK) {
-          return Failure(ImageFormat::GIF, GifReason(gif->Error));
+          return Refused(ImageFormat::GIF, GifReason(gif->Error));
         }
       }
       continue;
@@ -124,7 +124,7 @@ DecodedImage ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& opt
     if (record != IMAGE_DESC_RECORD_TYPE) continue;
 
     if (DGifGetImageDesc(gif.get()) != GIF_OK) {
-      return Failure(ImageFormat::GIF, GifReason(gif->Error));
+      return Refused(ImageFormat::GIF, GifReason(gif->Error));
     }
     const GifImageDesc& frame = gif->Image;
     // A zero logical screen is common in broken writers; fall back to the frame.
@@ -139,14 +139,14 @@ DecodedImage ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& opt
                                                  static_cast<uint64_t>(std::max(frame.Height, 0)),
                                                  options);
     }
-    if (!sizeError.empty()) return Failure(ImageFormat::GIF, sizeError);
-    if (!frame.ColorMap && !gif->SColorMap) return Failure(ImageFormat::GIF, "has no colour table");
+    if (!sizeError.empty()) return Refused(ImageFormat::GIF, sizeError);
+    if (!frame.ColorMap && !gif->SColorMap) return Refused(ImageFormat::GIF, "has no colour table");
     auto bitmap = Bitmap::create(width, height);
-    if (!bitmap) return Failure(ImageFormat::GIF, "out of memory");
+    if (!bitmap) return Refused(ImageFormat::GIF, "out of memory");
     if (!DecodeFrame(gif.get(), TransparentIndex(controlExtension), *bitmap)) {
-      return Failure(ImageFormat::GIF, GifReason(gif->Error));
+      return Refused(ImageFormat::GIF, GifReason(gif->Error));
     }
-    return image_decoding::Success(ImageFormat::GIF, std::move(bitmap));
+    return image_decoding::Decoded(ImageFormat::GIF, std::move(bitmap));
   }
 }
 

@@ -33,7 +33,7 @@ ImageFormat DetectImageFormat(std::span<const uint8_t> bytes) {
   return ImageFormat::Unknown;
 }
 
-DecodedImage ReadImage(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+ImageResult ReadImage(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
   switch (DetectImageFormat(bytes)) {
     case ImageFormat::PNG: return ReadPNG(bytes, options);
     case ImageFormat::JPEG: return ReadJPEG(bytes, options);
@@ -43,25 +43,19 @@ DecodedImage ReadImage(std::span<const uint8_t> bytes, const ImageReadOptions& o
     case ImageFormat::BMP: return ReadBMP(bytes, options);
     case ImageFormat::Unknown: break;
   }
-  DecodedImage result;
-  result.error = bytes.empty() ? "image data is empty"
+  return Failure{bytes.empty() ? "image data is empty"
                                : "not an image in a supported format "
-                                 "(PNG, JPEG, TIFF, GIF, WebP or BMP)";
-  return result;
+                                 "(PNG, JPEG, TIFF, GIF, WebP or BMP)"};
 }
 
-DecodedImage ReadImageFile(const std::string& path, const ImageReadOptions& options) {
+ImageResult ReadImageFile(const std::string& path, const ImageReadOptions& options) {
   // A compressed image cannot sensibly be larger than its decoded pixels plus
   // generous slack; the bound keeps a huge unrelated file from being read whole.
   uint64_t maxBytes = options.maxPixels * 4 + (uint64_t{64} << 20);
   auto bytes = ReadFileBytes(path, maxBytes);
-  if (!bytes) {
-    DecodedImage result;
-    result.error = bytes.reason();
-    return result;
-  }
-  DecodedImage result = ReadImage(*bytes, options);
-  if (!result) result.error = path + ": " + result.error;
+  if (!bytes) return Failure{bytes.reason()};
+  ImageResult result = ReadImage(*bytes, options);
+  if (!result) return Failure{path + ": " + result.reason()};
   return result;
 }
 

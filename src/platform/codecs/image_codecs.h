@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/values/bitmap.h"
+#include "platform/values/result.h"
 
 namespace paintdoc {
 
@@ -42,27 +43,27 @@ struct ImageReadOptions {
   int shrinkToFit = 0;
 };
 
-// The outcome of reading an image: a bitmap, or an error saying what is wrong.
+// A decoded image: its bitmap and the format it was read from. Readers answer
+// a Result<DecodedImage>: the image, or one line such as "PNG image:
+// malformed data (image data is truncated)".
 struct DecodedImage {
   std::shared_ptr<Bitmap> bitmap;
   ImageFormat format = ImageFormat::Unknown;
-  std::string error;  // empty on success
-
-  explicit operator bool() const { return bitmap != nullptr; }
 };
+using ImageResult = Result<DecodedImage>;
 
 // Reads any supported format, told by its signature. GIF and WebP give their
 // first frame.
-DecodedImage ReadImage(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
-DecodedImage ReadImageFile(const std::string& path, const ImageReadOptions& options = {});
+ImageResult ReadImage(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+ImageResult ReadImageFile(const std::string& path, const ImageReadOptions& options = {});
 
 // One reader a format (the signature is not required to match).
-DecodedImage ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
-DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
-DecodedImage ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
-DecodedImage ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
-DecodedImage ReadWebP(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
-DecodedImage ReadBMP(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+ImageResult ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+ImageResult ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+ImageResult ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+ImageResult ReadGIF(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+ImageResult ReadWebP(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
+ImageResult ReadBMP(std::span<const uint8_t> bytes, const ImageReadOptions& options = {});
 
 struct PngWriteOptions {
   // zlib level 0 (none) to 9 (smallest). The default favours speed: previews

@@ -21,18 +21,12 @@ std::string CheckImageSize(uint64_t width, uint64_t height, const ImageReadOptio
   return {};
 }
 
-DecodedImage Failure(ImageFormat format, const std::string& reason) {
-  DecodedImage result;
-  result.format = format;
-  result.error = std::string(ImageFormatName(format)) + " image: " + reason;
-  return result;
+ImageResult Refused(ImageFormat format, const std::string& reason) {
+  return Failure{std::string(ImageFormatName(format)) + " image: " + reason};
 }
 
-DecodedImage Success(ImageFormat format, std::shared_ptr<Bitmap> bitmap) {
-  DecodedImage result;
-  result.format = format;
-  result.bitmap = std::move(bitmap);
-  return result;
+ImageResult Decoded(ImageFormat format, std::shared_ptr<Bitmap> bitmap) {
+  return DecodedImage{std::move(bitmap), format};
 }
 
 void ApplyResolution(Bitmap& bitmap, double xDotsPerInch, double yDotsPerInch) {

@@ -15,9 +15,9 @@ namespace paintdoc::image_decoding {
 std::string CheckImageSize(uint64_t width, uint64_t height, const ImageReadOptions& options);
 
 // A failed read: "<format> image: <reason>".
-DecodedImage Failure(ImageFormat format, const std::string& reason);
+ImageResult Refused(ImageFormat format, const std::string& reason);
 // A successful read.
-DecodedImage Success(ImageFormat format, std::shared_ptr<Bitmap> bitmap);
+ImageResult Decoded(ImageFormat format, std::shared_ptr<Bitmap> bitmap);
 
 // Sets the point size from a resolution in dots an inch on each axis.
 // Resolutions that are absent (0), 72 or implausible leave the size as is.

@@ -16,7 +16,7 @@
 namespace paintdoc {
 namespace {
 
-using image_decoding::Failure;
+using image_decoding::Refused;
 
 // A progressive file can hold thousands of tiny scans that each cost a pass
 // over the whole image; real encoders use about a dozen.
@@ -162,9 +162,9 @@ double DotsPerInch(unsigned density, int unit) {
 
 }  // namespace
 
-DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+ImageResult ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
   if (bytes.size() < 3 || bytes[0] != 0xff || bytes[1] != 0xd8) {
-    return Failure(ImageFormat::JPEG, "missing JPEG signature");
+    return Refused(ImageFormat::JPEG, "missing JPEG signature");
   }
   JpegReadState state;
   state.options = &options;
@@ -186,7 +186,7 @@ DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& op
   bool sawJfif = state.cinfo.saw_JFIF_marker;
   jpeg_destroy_decompress(&state.cinfo);
   if (!decoded) {
-    return Failure(ImageFormat::JPEG, !state.sizeError.empty()
+    return Refused(ImageFormat::JPEG, !state.sizeError.empty()
                                           ? state.sizeError
                                           : "malformed data (" + state.message + ")");
   }
@@ -201,9 +201,9 @@ DecodedImage ReadJPEG(std::span<const uint8_t> bytes, const ImageReadOptions& op
   std::shared_ptr<Bitmap> result = std::move(state.bitmap);
   if (options.applyExifOrientation) {
     result = image_decoding::ApplyExifOrientation(std::move(result), state.orientation);
-    if (!result) return Failure(ImageFormat::JPEG, "out of memory");
+    if (!result) return Refused(ImageFormat::JPEG, "out of memory");
   }
-  return image_decoding::Success(ImageFormat::JPEG, std::move(result));
+  return image_decoding::Decoded(ImageFormat::JPEG, std::move(result));
 }
 
 }  // namespace paintdoc

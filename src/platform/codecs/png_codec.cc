@@ -16,7 +16,7 @@
 namespace paintdoc {
 namespace {
 
-using image_decoding::Failure;
+using image_decoding::Refused;
 
 struct PngSession {
   png_structp png = nullptr;
@@ -112,9 +112,9 @@ bool DecodePng(PngReadState* state) {
 
 }  // namespace
 
-DecodedImage ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+ImageResult ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
   if (bytes.size() < 8 || png_sig_cmp(bytes.data(), 0, 8) != 0) {
-    return Failure(ImageFormat::PNG, "missing PNG signature");
+    return Refused(ImageFormat::PNG, "missing PNG signature");
   }
   PngReadState state;
   state.bytes = bytes;
@@ -123,12 +123,12 @@ DecodedImage ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& opt
   if (state.png) state.info = png_create_info_struct(state.png);
   if (!state.png || !state.info) {
     png_destroy_read_struct(&state.png, &state.info, nullptr);
-    return Failure(ImageFormat::PNG, "out of memory");
+    return Refused(ImageFormat::PNG, "out of memory");
   }
   bool decoded = DecodePng(&state);
   png_destroy_read_struct(&state.png, &state.info, nullptr);
   if (!decoded) {
-    return Failure(ImageFormat::PNG,
+    return Refused(ImageFormat::PNG,
                    !state.sizeError.empty() ? state.sizeError : "malformed data (" + state.message + ")");
   }
   Bitmap& bitmap = *state.bitmap;
@@ -137,7 +137,7 @@ DecodedImage ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& opt
   }
   image_decoding::ConvertToSRGB(bitmap, state.iccProfile, ImageFormat::PNG);
   image_decoding::ApplyResolution(bitmap, state.xDotsPerInch, state.yDotsPerInch);
-  return image_decoding::Success(ImageFormat::PNG, std::move(state.bitmap));
+  return image_decoding::Decoded(ImageFormat::PNG, std::move(state.bitmap));
 }
 
 // --- writing

@@ -20,7 +20,7 @@
 namespace paintdoc {
 namespace {
 
-using image_decoding::Failure;
+using image_decoding::Refused;
 
 // A seekable stream over bytes in memory: read-only over the input, or a
 // growing buffer for output.
@@ -161,28 +161,28 @@ std::span<const uint8_t> TiffIccProfile(TIFF* tiff) {
 
 }  // namespace
 
-DecodedImage ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+ImageResult ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
   MemoryStream stream;
   stream.input = bytes.data();
   stream.size = bytes.size();
   // "m": never memory-map (the stream has no file behind it).
   TiffPtr tiff(OpenTiff(stream, "rm", kMaxTiffAllocation));
-  if (!tiff) return Failure(ImageFormat::TIFF, TiffReason(stream, "not a TIFF file"));
+  if (!tiff) return Refused(ImageFormat::TIFF, TiffReason(stream, "not a TIFF file"));
 
   uint32_t width = 0, height = 0;
   TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
   TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
   std::string sizeError = image_decoding::CheckImageSize(width, height, options);
-  if (!sizeError.empty()) return Failure(ImageFormat::TIFF, sizeError);
+  if (!sizeError.empty()) return Refused(ImageFormat::TIFF, sizeError);
   auto bitmap = Bitmap::create(static_cast<int>(width), static_cast<int>(height));
-  if (!bitmap) return Failure(ImageFormat::TIFF, "out of memory");
+  if (!bitmap) return Refused(ImageFormat::TIFF, "out of memory");
   std::string error = NeedsTiffSampleReader(tiff.get())
                           ? ReadTiffSamples(tiff.get(), *bitmap, stream.firstError)
                           : ReadThroughRgbaInterface(tiff.get(), stream, *bitmap);
-  if (!error.empty()) return Failure(ImageFormat::TIFF, error);
+  if (!error.empty()) return Refused(ImageFormat::TIFF, error);
   image_decoding::ConvertToSRGB(*bitmap, TiffIccProfile(tiff.get()), ImageFormat::TIFF);
   ApplyTiffResolution(tiff.get(), *bitmap);
-  return image_decoding::Success(ImageFormat::TIFF, std::move(bitmap));
+  return image_decoding::Decoded(ImageFormat::TIFF, std::move(bitmap));
 }
 
 namespace {

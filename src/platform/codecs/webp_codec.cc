@@ -12,7 +12,7 @@
 namespace paintdoc {
 namespace {
 
-using image_decoding::Failure;
+using image_decoding::Refused;
 
 std::string WebPReason(VP8StatusCode status) {
   switch (status) {
@@ -25,9 +25,9 @@ std::string WebPReason(VP8StatusCode status) {
 
 // Decodes a still image straight into the bitmap's memory, premultiplied and
 // in its byte order.
-DecodedImage DecodeStill(std::span<const uint8_t> bytes, std::shared_ptr<Bitmap> bitmap) {
+ImageResult DecodeStill(std::span<const uint8_t> bytes, std::shared_ptr<Bitmap> bitmap) {
   WebPDecoderConfig config;
-  if (!WebPInitDecoderConfig(&config)) return Failure(ImageFormat::WebP, "library mismatch");
+  if (!WebPInitDecoderConfig(&config)) return Refused(ImageFormat::WebP, "library mismatch");
   config.output.colorspace = Bitmap::kLittleEndian ? MODE_bgrA : MODE_Argb;
   config.output.is_external_memory = 1;
   config.output.u.RGBA.rgba = bitmap->data();
@@ -35,38 +35,38 @@ DecodedImage DecodeStill(std::span<const uint8_t> bytes, std::shared_ptr<Bitmap>
   config.output.u.RGBA.size = bitmap->byteCount();
   VP8StatusCode status = WebPDecode(bytes.data(), bytes.size(), &config);
   WebPFreeDecBuffer(&config.output);
-  if (status != VP8_STATUS_OK) return Failure(ImageFormat::WebP, WebPReason(status));
-  return image_decoding::Success(ImageFormat::WebP, std::move(bitmap));
+  if (status != VP8_STATUS_OK) return Refused(ImageFormat::WebP, WebPReason(status));
+  return image_decoding::Decoded(ImageFormat::WebP, std::move(bitmap));
 }
 
 struct AnimDecoderDeleter {
   void operator()(WebPAnimDecoder* decoder) const { WebPAnimDecoderDelete(decoder); }
 };
 
-DecodedImage DecodeFirstFrame(std::span<const uint8_t> bytes, std::shared_ptr<Bitmap> bitmap) {
+ImageResult DecodeFirstFrame(std::span<const uint8_t> bytes, std::shared_ptr<Bitmap> bitmap) {
   WebPAnimDecoderOptions options;
-  if (!WebPAnimDecoderOptionsInit(&options)) return Failure(ImageFormat::WebP, "library mismatch");
+  if (!WebPAnimDecoderOptionsInit(&options)) return Refused(ImageFormat::WebP, "library mismatch");
   options.color_mode = MODE_rgbA;
   options.use_threads = 0;
   WebPData data{bytes.data(), bytes.size()};
   std::unique_ptr<WebPAnimDecoder, AnimDecoderDeleter> decoder(WebPAnimDecoderNew(&data, &options));
-  if (!decoder) return Failure(ImageFormat::WebP, "malformed animation");
+  if (!decoder) return Refused(ImageFormat::WebP, "malformed animation");
   WebPAnimInfo info;
   if (!WebPAnimDecoderGetInfo(decoder.get(), &info) ||
       info.canvas_width != static_cast<uint32_t>(bitmap->pixelsWide()) ||
       info.canvas_height != static_cast<uint32_t>(bitmap->pixelsHigh())) {
-    return Failure(ImageFormat::WebP, "malformed animation");
+    return Refused(ImageFormat::WebP, "malformed animation");
   }
   uint8_t* frame = nullptr;
   int timestamp = 0;
   if (!WebPAnimDecoderGetNext(decoder.get(), &frame, &timestamp) || !frame) {
-    return Failure(ImageFormat::WebP, "malformed animation frame");
+    return Refused(ImageFormat::WebP, "malformed animation frame");
   }
   for (int row = 0; row < bitmap->pixelsHigh(); ++row) {
     bitmap->writeRGBARow(row, frame + bitmap->bytesPerRow() * static_cast<size_t>(row),
                          AlphaMode::Premultiplied);
   }
-  return image_decoding::Success(ImageFormat::WebP, std::move(bitmap));
+  return image_decoding::Decoded(ImageFormat::WebP, std::move(bitmap));
 }
 
 struct DemuxDeleter {
@@ -87,20 +87,20 @@ std::span<const uint8_t> IccProfile(std::span<const uint8_t> bytes) {
 
 }  // namespace
 
-DecodedImage ReadWebP(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
+ImageResult ReadWebP(std::span<const uint8_t> bytes, const ImageReadOptions& options) {
   WebPBitstreamFeatures features;
   VP8StatusCode status = WebPGetFeatures(bytes.data(), bytes.size(), &features);
-  if (status != VP8_STATUS_OK) return Failure(ImageFormat::WebP, WebPReason(status));
+  if (status != VP8_STATUS_OK) return Refused(ImageFormat::WebP, WebPReason(status));
   // For an animation these are the canvas's dimensions.
   std::string sizeError = image_decoding::CheckImageSize(static_cast<uint64_t>(features.width),
                                                          static_cast<uint64_t>(features.height),
                                                          options);
-  if (!sizeError.empty()) return Failure(ImageFormat::WebP, sizeError);
+  if (!sizeError.empty()) return Refused(ImageFormat::WebP, sizeError);
   auto bitmap = Bitmap::create(features.width, features.height);
-  if (!bitmap) return Failure(ImageFormat::WebP, "out of memory");
-  DecodedImage result = features.has_animation ? DecodeFirstFrame(bytes, std::move(bitmap))
+  if (!bitmap) return Refused(ImageFormat::WebP, "out of memory");
+  ImageResult result = features.has_animation ? DecodeFirstFrame(bytes, std::move(bitmap))
                                                : DecodeStill(bytes, std::move(bitmap));
-  if (result) image_decoding::ConvertToSRGB(*result.bitmap, IccProfile(bytes), ImageFormat::WebP);
+  if (result) image_decoding::ConvertToSRGB(*result->bitmap, IccProfile(bytes), ImageFormat::WebP);
   return result;
 }
 
