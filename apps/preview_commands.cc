@@ -25,10 +25,9 @@ constexpr int kDefaultThumbnailSize = 256;
 
 // Writes the PNG, leaving no file behind when that fails.
 int WritePng(const Bitmap& bitmap, const std::string& outPath, const PngMetadata& metadata) {
-  std::string error;
-  std::optional<std::vector<uint8_t>> png = WritePNG(bitmap, {}, metadata, &error);
+  const Result<std::vector<uint8_t>> png = WritePNG(bitmap, {}, metadata);
   if (!png) {
-    Complain(outPath + ": " + error);
+    Complain(outPath + ": " + png.reason());
     return kExitOutputFailed;
   }
   if (const Status written = WriteFileBytes(outPath, *png); !written) {

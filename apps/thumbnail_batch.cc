@@ -58,15 +58,14 @@ struct Counts {
 FileResult Refused(const std::string& line) { return {Outcome::Refused, {line}}; }
 FileResult NotWritten(const std::string& line) { return {Outcome::NotWritten, {line}}; }
 
-std::optional<std::vector<uint8_t>> EncodeThumbnail(const Bitmap& bitmap, const Drawn& drawn,
-                                                    std::vector<std::pair<std::string, std::string>> keys,
-                                                    std::string* error) {
+Result<std::vector<uint8_t>> EncodeThumbnail(const Bitmap& bitmap, const Drawn& drawn,
+                                             std::vector<std::pair<std::string, std::string>> keys) {
   PngMetadata metadata;
   metadata.keepAlphaChannel = true;
   metadata.textEntries = std::move(keys);
   metadata.textEntries.push_back({"Thumb::Image::Width", std::to_string(drawn.fullSize.width)});
   metadata.textEntries.push_back({"Thumb::Image::Height", std::to_string(drawn.fullSize.height)});
-  return WritePNG(bitmap, kThumbnailPng, metadata, error);
+  return WritePNG(bitmap, kThumbnailPng, metadata);
 }
 
 // -o DIR: the thumbnail as DIR/<input file name>.png.
@@ -74,9 +73,8 @@ FileResult ThumbnailIntoFolder(const Job& job, int size) {
   if (!job.clash.empty()) return NotWritten(job.input + ": " + job.clash);
   const Drawn drawn = DrawFile(job.input, PreviewKind::Thumbnail, size, nullptr);
   if (!drawn.bitmap) return Refused(drawn.failure);
-  std::string error;
-  const std::optional<std::vector<uint8_t>> png = EncodeThumbnail(*drawn.bitmap, drawn, {}, &error);
-  if (!png) return NotWritten(job.output + ": " + error);
+  const Result<std::vector<uint8_t>> png = EncodeThumbnail(*drawn.bitmap, drawn, {});
+  if (!png) return NotWritten(job.output + ": " + png.reason());
   if (const Status written = WriteFileBytes(job.output, *png); !written) {
     std::remove(job.output.c_str());
     return NotWritten("can't write " + written.reason());
@@ -92,9 +90,9 @@ FileResult RecordFailure(const std::string& cacheRoot, const CacheEntry& entry, 
   PngMetadata metadata;
   metadata.keepAlphaChannel = true;
   metadata.textEntries = CacheKeys(entry);
-  std::string error;
-  const std::optional<std::vector<uint8_t>> png =
-      empty ? WritePNG(*empty, kThumbnailPng, metadata, &error) : std::nullopt;
+  const Result<std::vector<uint8_t>> png =
+      empty ? WritePNG(*empty, kThumbnailPng, metadata) : Failure{"no memory for a 1 x 1 bitmap"};
+  std::string error = png.reason();
   const std::string folder = cacheRoot + "/fail/paintdoc-" PAINTDOC_VERSION;
   if (!png || !WriteCacheFile(folder, entry.fileName, *png, &error)) {
     refused.outcome = Outcome::NotWritten;
@@ -117,9 +115,9 @@ FileResult ThumbnailIntoCache(const Job& job, const std::string& cacheRoot, cons
     if (access(job.input.c_str(), R_OK) != 0) return Refused(drawn.failure);
     return RecordFailure(cacheRoot, *entry, Refused(drawn.failure));
   }
-  const std::optional<std::vector<uint8_t>> png =
-      EncodeThumbnail(*drawn.bitmap, drawn, CacheKeys(*entry), &error);
-  if (!png || !WriteCacheFile(cacheRoot + "/" + flavour.name, entry->fileName, *png, &error)) {
+  const Result<std::vector<uint8_t>> png = EncodeThumbnail(*drawn.bitmap, drawn, CacheKeys(*entry));
+  if (!png) return NotWritten(job.input + ": " + png.reason());
+  if (!WriteCacheFile(cacheRoot + "/" + flavour.name, entry->fileName, *png, &error)) {
     return NotWritten(job.input + ": " + error);
   }
   return {};

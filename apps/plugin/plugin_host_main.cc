@@ -92,9 +92,8 @@ int main(int argc, char** argv) {
   }
   const std::shared_ptr<paintdoc::Bitmap>& context = request.flushedContext();
   if (!context || context->isEmpty()) return Fail(input + ": nothing was drawn");
-  std::string error;
-  auto png = paintdoc::WritePNG(*context, {}, &error);
-  if (!png) return Fail(error);
+  auto png = paintdoc::WritePNG(*context);
+  if (!png) return Fail(png.reason());
   if (const auto written = paintdoc::WriteFileBytes(output, *png); !written) {
     return Fail(written.reason());
   }

@@ -29,7 +29,7 @@ std::shared_ptr<Bitmap> Draw(const PreviewSource& source, int fitInto, std::stri
 
 void WriteLook(const std::string& directory, const std::string& name, const Bitmap& bitmap) {
   if (directory.empty()) return;
-  if (auto png = WritePNG(bitmap, {}, {}, nullptr)) {
+  if (auto png = WritePNG(bitmap)) {
     if (!WriteFileBytes(directory + "/" + name + ".png", *png)) {
       std::fprintf(stderr, "thumbnail-fidelity: can't write into %s\n", directory.c_str());
     }

@@ -41,10 +41,10 @@ ArchiveValue ReadBitmapImageRepObject(KeyedUnarchiver& coder, std::string_view) 
 }
 
 uint64_t WriteBitmapImageRep(ArchiveObjectWriter& writer, const Bitmap& bitmap) {
-  std::string error;
-  const auto tiff = WriteTIFF(bitmap, &error);
+  auto tiff = WriteTIFF(bitmap);
   if (!tiff) {
-    Log("Error: KeyedArchiver: a bitmap cannot be written as TIFF (" + error + "); it is left out");
+    Log("Error: KeyedArchiver: a bitmap cannot be written as TIFF (" + tiff.reason() +
+        "); it is left out");
     return 0;
   }
   const uint64_t data = writer.archive(ArchiveValue(SharedBytes(std::move(*tiff))));

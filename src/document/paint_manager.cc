@@ -61,7 +61,7 @@ std::shared_ptr<PaintManager> PaintManager::withImageRep(std::shared_ptr<Bitmap>
 
 std::shared_ptr<PaintManager> PaintManager::withImage(const std::shared_ptr<Bitmap>& image) {
   if (!image) return withImageRep(nullptr);
-  const std::optional<std::vector<uint8_t>> tiff = WriteTIFF(*image);
+  const Result<std::vector<uint8_t>> tiff = WriteTIFF(*image);
   if (!tiff) return withImageRep(nullptr);
   ImageResult normalised = ReadTIFF(*tiff);
   return withImageRep(normalised ? normalised->bitmap : nullptr);

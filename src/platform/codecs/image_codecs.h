@@ -82,17 +82,14 @@ struct PngMetadata {
 
 // PNG bytes of the bitmap (straight alpha; RGB without alpha when every pixel
 // is opaque; the resolution recorded when the point size differs from the
-// pixel size). Empty optional, with `error` set when given, on failure.
-std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap,
-                                             const PngWriteOptions& options = {},
-                                             std::string* error = nullptr);
+// pixel size).
+Result<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options = {});
 // The same with an alpha channel kept on request and text entries.
-std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
-                                             const PngMetadata& metadata,
-                                             std::string* error = nullptr);
+Result<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
+                                      const PngMetadata& metadata);
 
 // Baseline TIFF bytes as documents embed them: uncompressed, 8-bit RGBA,
 // premultiplied (ExtraSamples = associated alpha), resolution in dots an inch.
-std::optional<std::vector<uint8_t>> WriteTIFF(const Bitmap& bitmap, std::string* error = nullptr);
+Result<std::vector<uint8_t>> WriteTIFF(const Bitmap& bitmap);
 
 }  // namespace paintdoc

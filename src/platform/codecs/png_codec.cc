@@ -212,16 +212,14 @@ bool EncodePng(PngWriteState* state) {
 
 }  // namespace
 
-std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
-                                             std::string* error) {
-  return WritePNG(bitmap, options, PngMetadata{}, error);
+Result<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options) {
+  return WritePNG(bitmap, options, PngMetadata{});
 }
 
-std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
-                                             const PngMetadata& metadata, std::string* error) {
+Result<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWriteOptions& options,
+                                      const PngMetadata& metadata) {
   if (bitmap.isEmpty()) {
-    if (error) *error = "cannot write an empty bitmap as PNG";
-    return std::nullopt;
+    return Failure{"cannot write an empty bitmap as PNG"};
   }
   PngWriteState state;
   state.bitmap = &bitmap;
@@ -244,8 +242,8 @@ std::optional<std::vector<uint8_t>> WritePNG(const Bitmap& bitmap, const PngWrit
   bool encoded = state.png && state.info && EncodePng(&state);
   png_destroy_write_struct(&state.png, &state.info);
   if (!encoded) {
-    if (error) *error = "PNG encoding failed: " + (state.message.empty() ? "out of memory" : state.message);
-    return std::nullopt;
+    return Failure{"PNG encoding failed: " +
+                   (state.message.empty() ? "out of memory" : state.message)};
   }
   return std::move(state.output);
 }

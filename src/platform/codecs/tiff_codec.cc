@@ -214,10 +214,9 @@ bool WriteTiffDirectory(TIFF* tiff, const Bitmap& bitmap) {
 
 }  // namespace
 
-std::optional<std::vector<uint8_t>> WriteTIFF(const Bitmap& bitmap, std::string* error) {
+Result<std::vector<uint8_t>> WriteTIFF(const Bitmap& bitmap) {
   if (bitmap.isEmpty()) {
-    if (error) *error = "cannot write an empty bitmap as TIFF";
-    return std::nullopt;
+    return Failure{"cannot write an empty bitmap as TIFF"};
   }
   std::vector<uint8_t> output;
   output.reserve(bitmap.byteCount() + 4096);
@@ -227,8 +226,8 @@ std::optional<std::vector<uint8_t>> WriteTIFF(const Bitmap& bitmap, std::string*
   bool written = tiff && WriteTiffDirectory(tiff, bitmap);
   if (tiff) TIFFClose(tiff);  // flushes the directory
   if (!written) {
-    if (error) *error = "TIFF encoding failed" + (stream.firstError.empty() ? std::string() : ": " + stream.firstError);
-    return std::nullopt;
+    return Failure{"TIFF encoding failed" +
+                   (stream.firstError.empty() ? std::string() : ": " + stream.firstError)};
   }
   return output;
 }
