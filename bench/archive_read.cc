@@ -133,7 +133,8 @@ std::shared_ptr<BenchCanvas> ReadDocument(const SharedBytes& bytes) {
     return nullptr;
   }
   auto inner = outer.decodeDataForKey("PaintData");
-  return inner ? KeyedUnarchiver::unarchiveObjectWithData<BenchCanvas>(*inner) : nullptr;
+  return inner ? KeyedUnarchiver::unarchiveObjectWithData<BenchCanvas>(*inner).value_or(nullptr)
+               : nullptr;
 }
 
 uint64_t Checksum(std::span<const uint8_t> bytes) {

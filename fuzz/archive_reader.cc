@@ -60,11 +60,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ArchiveLimits limits;
   limits.maxObjects = 1 << 16;
   limits.maxDepth = 64;
-  if (auto plist = PropertyList::read(bytes, limits, nullptr)) {
+  if (auto plist = PropertyList::read(bytes, limits)) {
     // Whatever reads must write and read back.
     const std::vector<uint8_t> written = WriteBinaryPlist(*plist);
-    std::string error;
-    if (!PropertyList::read(SharedBytes(written), limits, &error)) __builtin_trap();
+    if (!PropertyList::read(SharedBytes(written), limits)) __builtin_trap();
   }
 
   KeyedUnarchiver coder(bytes, limits);

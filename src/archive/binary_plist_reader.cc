@@ -37,13 +37,12 @@ class BinaryPlistParser {
   BinaryPlistParser(SharedBytes bytes, const ArchiveLimits& limits)
       : bytes_(std::move(bytes)), data_(bytes_.data()), size_(bytes_.size()), limits_(limits) {}
 
-  std::optional<PropertyList> parse(std::string* error) {
+  Result<PropertyList> parse() {
     PropertyList plist;
     plist.source_ = bytes_;
     if (!readTrailer() || !readObjects(plist) ||
         !CheckPlistGraph(plist, plist.root(), limits_, &error_)) {
-      if (error) *error = "binary property list: " + error_;
-      return std::nullopt;
+      return Failure{"binary property list: " + error_};
     }
     return plist;
   }
@@ -305,10 +304,8 @@ class BinaryPlistParser {
   uint64_t totalRefBytes_ = 0;
 };
 
-std::optional<PropertyList> PropertyList::readBinary(SharedBytes bytes,
-                                                     const ArchiveLimits& limits,
-                                                     std::string* error) {
-  return BinaryPlistParser(std::move(bytes), limits).parse(error);
+Result<PropertyList> PropertyList::readBinary(SharedBytes bytes, const ArchiveLimits& limits) {
+  return BinaryPlistParser(std::move(bytes), limits).parse();
 }
 
 }  // namespace paintdoc

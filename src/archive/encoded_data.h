@@ -19,17 +19,16 @@ inline std::vector<uint8_t> EncodedData(const Codable& object) {
   return KeyedArchiver::archivedDataWithRootObject(object);
 }
 
-// The root object of such an archive, or null (reason in *error when given).
-inline std::shared_ptr<Object> ObjectWithEncodedData(SharedBytes data,
-                                                     std::string* error = nullptr) {
-  return KeyedUnarchiver::unarchiveObjectWithData(std::move(data), error);
+// The root object of such an archive, or why there is none.
+inline Result<std::shared_ptr<Object>> ObjectWithEncodedData(SharedBytes data) {
+  return KeyedUnarchiver::unarchiveObjectWithData(std::move(data));
 }
 
 // A deep copy through the archive; null if the class cannot be rebuilt.
 template <class T>
 std::shared_ptr<T> CopyByArchiving(const T& object) {
   return std::dynamic_pointer_cast<T>(
-      ObjectWithEncodedData(SharedBytes(EncodedData(object))));
+      ObjectWithEncodedData(SharedBytes(EncodedData(object))).value_or(nullptr));
 }
 
 }  // namespace paintdoc

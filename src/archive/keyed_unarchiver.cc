@@ -52,7 +52,6 @@ void KeyedUnarchiver::fail(std::string message) {
 }
 
 bool KeyedUnarchiver::open(SharedBytes bytes) {
-  std::string error;
   if (bytes.empty()) {
     fail("not a keyed archive: no data");
     return false;
@@ -61,9 +60,9 @@ bool KeyedUnarchiver::open(SharedBytes bytes) {
   // each object about once) but finite for files whose shared containers
   // would multiply the work.
   workBudget_ = 16 * uint64_t{bytes.size()} + (uint64_t{1} << 16);
-  auto plist = PropertyList::read(std::move(bytes), limits_, &error);
+  auto plist = PropertyList::read(std::move(bytes), limits_);
   if (!plist) {
-    fail("not a keyed archive: " + error);
+    fail("not a keyed archive: " + plist.reason());
     return false;
   }
   plist_ = std::make_unique<PropertyList>(std::move(*plist));
@@ -93,21 +92,12 @@ bool KeyedUnarchiver::open(SharedBytes bytes) {
   return true;
 }
 
-std::shared_ptr<Object> KeyedUnarchiver::unarchiveObjectWithData(SharedBytes bytes,
-                                                                 std::string* error,
+Result<std::shared_ptr<Object>> KeyedUnarchiver::unarchiveObjectWithData(SharedBytes bytes,
                                                                  ArchiveLimits limits) {
   KeyedUnarchiver unarchiver(std::move(bytes), limits);
-  std::shared_ptr<Object> root;
-  if (unarchiver.isValid()) root = unarchiver.decodeObjectForKey("root");
-  if (error) {
-    if (!unarchiver.isValid()) {
-      *error = unarchiver.error();
-    } else if (!root) {
-      *error = "the archive holds no root object";
-    } else {
-      error->clear();
-    }
-  }
+  if (!unarchiver.isValid()) return Failure{unarchiver.error()};
+  std::shared_ptr<Object> root = unarchiver.decodeObjectForKey("root");
+  if (!root) return Failure{"the archive holds no root object"};
   return root;
 }
 

@@ -24,6 +24,7 @@
 #include "archive/archive_limits.h"
 #include "archive/archive_value.h"
 #include "archive/archived_image.h"
+#include "platform/values/result.h"
 #include "archive/codable.h"
 #include "archive/shared_bytes.h"
 #include "platform/values/affine_transform.h"
@@ -52,15 +53,18 @@ class KeyedUnarchiver {
   bool isValid() const { return valid_; }
   const std::string& error() const { return error_; }
 
-  // The object under "root" of an archive made by KeyedArchiver::archivedData
-  // (null, with the reason in *error, when the data is no such archive).
-  static std::shared_ptr<Object> unarchiveObjectWithData(SharedBytes bytes,
-                                                         std::string* error = nullptr,
-                                                         ArchiveLimits limits = {});
+  // The object under "root" of an archive made by KeyedArchiver::archivedData,
+  // or why the data holds none.
+  static Result<std::shared_ptr<Object>> unarchiveObjectWithData(SharedBytes bytes,
+                                                                 ArchiveLimits limits = {});
+  // The same for a root that must be a T.
   template <class T>
-  static std::shared_ptr<T> unarchiveObjectWithData(SharedBytes bytes,
-                                                    std::string* error = nullptr) {
-    return std::dynamic_pointer_cast<T>(unarchiveObjectWithData(std::move(bytes), error));
+  static Result<std::shared_ptr<T>> unarchiveObjectWithData(SharedBytes bytes) {
+    Result<std::shared_ptr<Object>> root = unarchiveObjectWithData(std::move(bytes));
+    if (!root) return Failure{root.reason()};
+    std::shared_ptr<T> typed = std::dynamic_pointer_cast<T>(*root);
+    if (!typed) return Failure{"the archive's root is a " + (*root)->className()};
+    return typed;
   }
   // Ends decoding; later decode calls answer as for missing keys.
   void finishDecoding();

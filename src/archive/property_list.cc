@@ -24,10 +24,9 @@ bool IsAscii(std::string_view text) {
 
 }  // namespace
 
-std::optional<PropertyList> PropertyList::read(SharedBytes bytes, const ArchiveLimits& limits,
-                                               std::string* error) {
-  if (looksBinary(bytes.span())) return readBinary(std::move(bytes), limits, error);
-  return readXml(std::move(bytes), limits, error);
+Result<PropertyList> PropertyList::read(SharedBytes bytes, const ArchiveLimits& limits) {
+  if (looksBinary(bytes.span())) return readBinary(std::move(bytes), limits);
+  return readXml(std::move(bytes), limits);
 }
 
 bool PropertyList::looksBinary(std::span<const uint8_t> bytes) {

@@ -18,6 +18,7 @@
 
 #include "archive/archive_limits.h"
 #include "archive/shared_bytes.h"
+#include "platform/values/result.h"
 
 namespace paintdoc {
 
@@ -63,14 +64,11 @@ class PropertyList {
   PropertyList(PropertyList&&) = default;
   PropertyList& operator=(PropertyList&&) = default;
 
-  // Reads a binary ("bplist00") or XML property list; nothing (with *error
-  // set) when the bytes are malformed or exceed the limits.
-  static std::optional<PropertyList> read(SharedBytes bytes, const ArchiveLimits& limits,
-                                          std::string* error);
-  static std::optional<PropertyList> readBinary(SharedBytes bytes, const ArchiveLimits& limits,
-                                                std::string* error);
-  static std::optional<PropertyList> readXml(SharedBytes bytes, const ArchiveLimits& limits,
-                                             std::string* error);
+  // Reads a binary ("bplist00") or XML property list, or says in one line
+  // why the bytes are malformed or exceed the limits.
+  static Result<PropertyList> read(SharedBytes bytes, const ArchiveLimits& limits);
+  static Result<PropertyList> readBinary(SharedBytes bytes, const ArchiveLimits& limits);
+  static Result<PropertyList> readXml(SharedBytes bytes, const ArchiveLimits& limits);
   static bool looksBinary(std::span<const uint8_t> bytes);
 
   uint32_t root() const { return root_; }

@@ -46,12 +46,9 @@ class XmlPlistParser {
   XmlPlistParser(SharedBytes bytes, const ArchiveLimits& limits)
       : bytes_(std::move(bytes)), text_(bytes_.asStringView()), limits_(limits) {}
 
-  std::optional<PropertyList> parse(std::string* error) {
+  Result<PropertyList> parse() {
     if (!parseDocument()) {
-      if (error) {
-        *error = "XML property list: " + error_ + " (at byte " + std::to_string(pos_) + ")";
-      }
-      return std::nullopt;
+      return Failure{"XML property list: " + error_ + " (at byte " + std::to_string(pos_) + ")"};
     }
     return std::move(plist_);
   }
@@ -388,9 +385,8 @@ class XmlPlistParser {
   PropertyList plist_;
 };
 
-std::optional<PropertyList> PropertyList::readXml(SharedBytes bytes, const ArchiveLimits& limits,
-                                                  std::string* error) {
-  return XmlPlistParser(std::move(bytes), limits).parse(error);
+Result<PropertyList> PropertyList::readXml(SharedBytes bytes, const ArchiveLimits& limits) {
+  return XmlPlistParser(std::move(bytes), limits).parse();
 }
 
 }  // namespace paintdoc

@@ -123,7 +123,7 @@ bool DrawBase::initWithCoder(KeyedUnarchiver& coder) {
 std::vector<uint8_t> DrawBase::encodedData() const { return EncodedData(*this); }
 
 std::shared_ptr<DrawBase> DrawBase::objectWithEncodedData(SharedBytes data) {
-  return std::dynamic_pointer_cast<DrawBase>(ObjectWithEncodedData(std::move(data)));
+  return std::dynamic_pointer_cast<DrawBase>(ObjectWithEncodedData(std::move(data)).value_or(nullptr));
 }
 
 ArchiveValue DrawBase::bezierPathData() const {

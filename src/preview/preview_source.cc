@@ -38,16 +38,16 @@ PreviewSource ReadCanvas(KeyedUnarchiver& container, int64_t version,
   if (!paintData) return Refused(PreviewStatus::NotACanvas, "\"PaintData\" holds no data");
 
   RegisterAllClasses();
-  std::string error;
-  std::shared_ptr<Object> root =
-      KeyedUnarchiver::unarchiveObjectWithData(std::move(*paintData), &error, limits.archive);
-  auto canvas = std::dynamic_pointer_cast<PaintManager>(root);
-  if (!canvas) {
-    if (root) return Refused(PreviewStatus::NotACanvas, "the document's root is a " +
-                                                            root->className() + ", not a canvas");
+  Result<std::shared_ptr<Object>> root =
+      KeyedUnarchiver::unarchiveObjectWithData(std::move(*paintData), limits.archive);
+  if (!root) {
     return Refused(PreviewStatus::NotACanvas,
-                   "the document's canvas archive is unreadable" +
-                       (error.empty() ? std::string() : ": " + error));
+                   "the document's canvas archive is unreadable: " + root.reason());
+  }
+  auto canvas = std::dynamic_pointer_cast<PaintManager>(*root);
+  if (!canvas) {
+    return Refused(PreviewStatus::NotACanvas,
+                   "the document's root is a " + (*root)->className() + ", not a canvas");
   }
   PreviewSource source;
   source.status = PreviewStatus::Document;

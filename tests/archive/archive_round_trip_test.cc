@@ -190,9 +190,10 @@ TEST(EncodedData, DeepCopiesKeepSharingAndClasses) {
   EXPECT_TRUE(log.contains("refers to itself while it is being decoded"));
 
   const std::vector<uint8_t> bytes = EncodedData(*leaf);
-  std::string error;
-  auto back = std::dynamic_pointer_cast<test::TestLeaf>(ObjectWithEncodedData(SharedBytes(bytes), &error));
-  ASSERT_TRUE(back) << error;
+  const auto decoded = ObjectWithEncodedData(SharedBytes(bytes));
+  ASSERT_TRUE(decoded) << decoded.reason();
+  auto back = std::dynamic_pointer_cast<test::TestLeaf>(*decoded);
+  ASSERT_TRUE(back);
   EXPECT_EQ(back->name, "leaf");
   root->partner.reset();  // let the test's own cycle go
 }

@@ -85,9 +85,8 @@ TEST(BinaryPlistWriter, LongCountsAndWideReferences) {
             (Bytes{0xAF, 0x11, 0x01, 0x2C, 0x00, 0x01}));
   EXPECT_EQ(layout.offsetSize, 2u);
   // And the file reads back.
-  std::string error;
-  auto back = PropertyList::read(SharedBytes(Bytes(file)), {}, &error);
-  ASSERT_TRUE(back) << error;
+  auto back = PropertyList::read(SharedBytes(Bytes(file)), {});
+  ASSERT_TRUE(back) << back.reason();
   EXPECT_EQ(back->at(back->root()).count, 300u);
   EXPECT_EQ(back->at(back->elementAt(back->root(), 299)).integer, 299);
 }

@@ -69,10 +69,9 @@ Bytes Container(uint8_t type, std::vector<uint64_t> refs, std::optional<uint64_t
 }
 
 std::string ReadError(const Bytes& bytes, ArchiveLimits limits = {}) {
-  std::string error;
-  auto plist = PropertyList::read(SharedBytes(Bytes(bytes)), limits, &error);
+  auto plist = PropertyList::read(SharedBytes(Bytes(bytes)), limits);
   EXPECT_FALSE(plist) << "read a malformed file";
-  return error;
+  return plist.reason();
 }
 
 bool Contains(const std::string& text, const std::string& part) {
@@ -106,7 +105,7 @@ Bytes LongHeader(uint8_t marker, uint64_t count) {
 TEST(HostilePlist, TrailerFieldsAreChecked) {
   RawPlist valid;
   valid.objects = {{0x10, 1}};
-  EXPECT_TRUE(PropertyList::read(SharedBytes(valid.build()), {}, nullptr));
+  EXPECT_TRUE(PropertyList::read(SharedBytes(valid.build()), {}));
   const std::pair<void (*)(RawPlist&), const char*> cases[] = {
       {[](RawPlist& p) { p.offsetSize = 9; }, "offset size 9"},
       {[](RawPlist& p) { p.refSize = 0; }, "reference size 0"},
@@ -129,7 +128,7 @@ TEST(HostilePlist, TrailerFieldsAreChecked) {
   EXPECT_TRUE(Contains(ReadError(Text("bplist00")), "too short"));
   Bytes wrongMagic = valid.build();
   wrongMagic[0] = 'x';
-  EXPECT_FALSE(PropertyList::readBinary(SharedBytes(wrongMagic), {}, nullptr));
+  EXPECT_FALSE(PropertyList::readBinary(SharedBytes(wrongMagic), {}));
 }
 
 // Every malformed object, binary or XML, is refused with its own reason,
@@ -204,7 +203,7 @@ TEST(HostilePlist, MalformedObjectsAreRefusedWithTheirReason) {
   }
   // Shared but acyclic is fine: one array referenced twice.
   EXPECT_TRUE(PropertyList::read(
-      SharedBytes(Plist({Container(0xA, {1, 1}), Container(0xA, {2}), {0x09}})), {}, nullptr));
+      SharedBytes(Plist({Container(0xA, {1, 1}), Container(0xA, {2}), {0x09}})), {}));
 }
 
 // Each limit at one below, at and one above what the file needs: the fault
@@ -249,9 +248,8 @@ TEST(HostilePlist, DepthAndObjectLimitsHoldExactlyAtTheirBoundary) {
       SCOPED_TRACE(std::string(c.what) + " limit " + std::to_string(limit));
       ArchiveLimits limits;
       limits.*c.limit = limit;
-      std::string error;
-      const bool read = PropertyList::read(SharedBytes(Bytes(c.bytes)), limits, &error).has_value();
-      EXPECT_EQ(read, limit >= c.needed) << error;
+      const auto read = PropertyList::read(SharedBytes(Bytes(c.bytes)), limits);
+      EXPECT_EQ(read.ok(), limit >= c.needed) << read.reason();
     }
   }
 }
@@ -268,9 +266,8 @@ TEST(HostilePlist, LengthsThatEndAtOrPastTheObjects) {
       SCOPED_TRACE(std::string(what) + " of " + std::to_string(count));
       Bytes object = {static_cast<uint8_t>(type << 4 | count)};
       for (unsigned i = 0; i < kUnits; ++i) object.insert(object.end(), unit.begin(), unit.end());
-      std::string error;
-      const bool read = PropertyList::read(SharedBytes(Plist({{0x09}, object}, 1)), {}, &error).has_value();
-      EXPECT_EQ(read, count <= kUnits) << error;
+      const auto read = PropertyList::read(SharedBytes(Plist({{0x09}, object}, 1)), {});
+      EXPECT_EQ(read.ok(), count <= kUnits) << read.reason();
     }
   }
 }

@@ -217,10 +217,9 @@ TEST(DocumentContainer, TopLevelKeysAndTheInnerArchive) {
   const auto paintData = outer.decodeDataForKey("PaintData");
   ASSERT_TRUE(paintData);
   // The inner archive is read straight from the outer file's bytes.
-  std::string error;
-  auto canvas = KeyedUnarchiver::unarchiveObjectWithData<test::TestNode>(*paintData, &error);
-  ASSERT_TRUE(canvas) << error;
-  EXPECT_EQ(canvas->name, "canvas");
+  auto canvas = KeyedUnarchiver::unarchiveObjectWithData<test::TestNode>(*paintData);
+  ASSERT_TRUE(canvas) << canvas.reason();
+  EXPECT_EQ((*canvas)->name, "canvas");
 }
 
 TEST(DocumentContainer, DataThatIsNoKeyedArchive) {
@@ -235,9 +234,9 @@ TEST(DocumentContainer, DataThatIsNoKeyedArchive) {
     EXPECT_NE(coder.error().find(message), std::string::npos) << file << ": " << coder.error();
     EXPECT_FALSE(coder.containsValueForKey("root"));
   }
-  std::string error;
-  EXPECT_FALSE(ObjectWithEncodedData(SharedBytes(), &error));
-  EXPECT_EQ(error, "not a keyed archive: no data");
+  const auto nothing = ObjectWithEncodedData(SharedBytes());
+  EXPECT_FALSE(nothing);
+  EXPECT_EQ(nothing.reason(), "not a keyed archive: no data");
 }
 
 }  // namespace

@@ -22,7 +22,8 @@ using test::KeysAs;
 
 std::shared_ptr<PaintManager> Decode(const std::vector<uint8_t>& archive) {
   RegisterAllClasses();
-  return KeyedUnarchiver::unarchiveObjectWithData<PaintManager>(SharedBytes::copyOf(archive));
+  return KeyedUnarchiver::unarchiveObjectWithData<PaintManager>(SharedBytes::copyOf(archive))
+      .value_or(nullptr);
 }
 
 // A canvas decoded from exactly the keys `write` encodes.

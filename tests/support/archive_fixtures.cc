@@ -14,8 +14,7 @@ std::vector<uint8_t> ArchiveRoot(const Codable& object) {
 
 std::set<std::string> ArchivedKeysOfRoot(const std::vector<uint8_t>& archive) {
   std::set<std::string> keys;
-  std::string error;
-  auto plist = PropertyList::read(SharedBytes::copyOf(archive), ArchiveLimits{}, &error);
+  auto plist = PropertyList::read(SharedBytes::copyOf(archive), ArchiveLimits{});
   if (!plist) return keys;
   const auto top = plist->lookUp(plist->root(), "$top");
   const auto objects = plist->lookUp(plist->root(), "$objects");
