@@ -116,13 +116,13 @@ def folder_jobs(files: Sequence[str], folder: str) -> List[Job]:
     owners: Dict[str, str] = {}
     jobs = []
     for name in files:
-        output = os.path.abspath(os.path.join(folder, os.path.basename(name) + ".png"))
+        output = os.path.join(folder, os.path.basename(name) + ".png")
         clash = ""
         if output in owners:
             clash = f"not written: {output} is the thumbnail of {owners[output]}"
         else:
             owners[output] = name
-        jobs.append(Job(name, output, os.path.abspath(name), clash))
+        jobs.append(Job(name, os.path.abspath(output), os.path.abspath(name), clash))
     return jobs
 
 

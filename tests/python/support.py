@@ -15,6 +15,9 @@ CLI = BUILD_DIR / "apps" / "paintdoc"
 EXAMPLES = BUILD_DIR / "apps" / "paintdoc-examples"
 
 sys.path.insert(0, str(BUILD_DIR / "python"))
+# Processes the tests start (the batch, cluster workers) import the same package.
+os.environ["PYTHONPATH"] = os.pathsep.join(
+    [str(BUILD_DIR / "python")] + [p for p in [os.environ.get("PYTHONPATH")] if p])
 sys.path.insert(0, str(SOURCE_DIR / "tests" / "data"))
 import keyed_archive_tool  # noqa: E402 (the independent document writer)
 
