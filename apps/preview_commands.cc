@@ -11,6 +11,7 @@
 #include "platform/values/bitmap.h"
 #include "platform/values/file_bytes.h"
 #include "platform/values/log.h"
+#include "platform/values/parallel_loops.h"
 #include "platform/codecs/image_codecs.h"
 #include "preview/bitmap_scaling.h"
 #include "preview/preview_generator.h"
@@ -75,6 +76,8 @@ int RunRender(const Arguments& arguments) {
     Complain("render needs FILE and -o OUT.png");
     return kExitUsage;
   }
+  // One large picture: its pixel loops may use every core.
+  SetParallelPixelLoops(true);
   // What the library logs is kept out of the output: a refusal says it in
   // its own line, and a picture that could be drawn needs no remarks.
   const LogCapture log;

@@ -169,6 +169,7 @@ SCENARIOS = {
     "no-version": lambda: container(canvas_archive(), version=None),
     "no-resolution": lambda: container(canvas_archive(), resolution=False),
     "root-not-canvas": lambda: container(canvas_archive(root_is_canvas=False)),
+    "root-past-objects": lambda: container(Archive().bytes({"root": plistlib.UID(27)})),
 }
 
 

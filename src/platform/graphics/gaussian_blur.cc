@@ -4,6 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include "platform/values/parallel_loops.h"
+
 namespace paintdoc {
 namespace {
 
@@ -178,7 +180,8 @@ void BlurRowBlocks(uint8_t* samples, int width, int height, size_t stride, const
                    BlurEdges edges) {
   constexpr int kRowsPerBlock = kLanes / kChannels;
   const int blocks = (height + kRowsPerBlock - 1) / kRowsPerBlock;
-  bool parallel = static_cast<long>(width) * height * kChannels >= kParallelThreshold;
+  bool parallel = ParallelPixelLoops() &&
+                  static_cast<long>(width) * height * kChannels >= kParallelThreshold;
 #pragma omp parallel if (parallel)
   {
     LaneBuffer line;
@@ -231,7 +234,8 @@ void BlurColumns(uint8_t* samples, int width, int height, size_t stride, int cha
                  const BlurPlan& plan, BlurEdges edges) {
   const int stripWidth = std::max(1, kLanes / channels);
   const int strips = (width + stripWidth - 1) / stripWidth;
-  bool parallel = static_cast<long>(width) * height * channels >= kParallelThreshold;
+  bool parallel = ParallelPixelLoops() &&
+                  static_cast<long>(width) * height * channels >= kParallelThreshold;
 #pragma omp parallel if (parallel)
   {
     LaneBuffer column;

@@ -1,14 +1,30 @@
-// `render --max-memory`: a picture that would need more memory to draw than
-// the limit is refused before drawing, in one line that gives both figures.
+// Refusals a thumbnailer's log keeps one line of: that line carries the cause.
 #include <gtest/gtest.h>
 
 #include "support/apps/app_fixtures.h"
+#include "support/archive_fixtures.h"
 #include "support/apps/program_runner.h"
 #include "support/test_paths.h"
 
 namespace paintdoc::test {
 namespace {
 
+// The library's warning that explains a refusal is in the tool's one line,
+// not on a line of its own before it.
+TEST(CliThumbnail, RefusalLineCarriesTheReadersWarning) {
+  const std::string input = WriteIndependentDocument("root-past-objects");
+  ASSERT_FALSE(input.empty());
+  const ProgramResult result =
+      RunProgram({AppPath("paintdoc"), "thumbnail", input, OutputPath("apps/past.png")});
+  EXPECT_EQ(result.exitStatus, 1);
+  ASSERT_EQ(Lines(result.err).size(), 1u) << result.err;
+  EXPECT_NE(result.err.find("holds no root object (a reference to object 27 points past"),
+            std::string::npos)
+      << result.err;
+}
+
+// `render --max-memory`: a picture that would need more memory to draw than
+// the limit is refused before drawing, in one line that gives both figures.
 TEST(CliRender, MemoryLimitRefusesBeforeDrawing) {
   // 1024 x 1024 pixels: 4 MiB a bitmap, about 8 MiB to draw.
   const std::string input = WriteDocumentFile("memory.paintdoc", {1024, 1024});
