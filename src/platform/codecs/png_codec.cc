@@ -6,12 +6,14 @@
 #include <png.h>
 
 #include <csetjmp>
+#include <memory>
 #include <cstring>
 #include <vector>
 
 #include "platform/codecs/colour_profile.h"
 #include "platform/codecs/image_codecs.h"
 #include "platform/codecs/image_decoding.h"
+#include "platform/codecs/row_shrinker.h"
 
 namespace paintdoc {
 namespace {
@@ -43,7 +45,28 @@ struct PngReadState : PngSession {
   std::string sizeError;
   double xDotsPerInch = 0, yDotsPerInch = 0;
   std::vector<uint8_t> iccProfile;  // from an iCCP chunk
+  // For a thumbnail: the image shrunk by a whole factor as its rows decode.
+  std::unique_ptr<RowShrinker> shrinker;
+  std::vector<uint8_t> row;
+  Size fullSize;
 };
+
+// The largest factor a thumbnail's rows are shrunk by while they decode; the
+// block sums stay well inside 32 bits (256² × 255).
+constexpr int kMostShrink = 256;
+
+// Reads the rows one at a time into the shrinker: the full image is never
+// held. Interlaced images come in passes and are read whole instead.
+void DecodeShrunk(PngReadState* state, int width, int height, int factor) {
+  state->bitmap = Bitmap::create((width + factor - 1) / factor, (height + factor - 1) / factor);
+  if (!state->bitmap) png_error(state->png, "out of memory");
+  state->shrinker = std::make_unique<RowShrinker>(state->bitmap, width, height, factor);
+  state->row.resize(static_cast<size_t>(width) * 4);
+  for (int y = 0; y < height; ++y) {
+    png_read_row(state->png, state->row.data(), nullptr);
+    state->shrinker->addRow(state->row.data());
+  }
+}
 
 void ReadPngBytes(png_structp png, png_bytep out, size_t length) {
   auto* state = static_cast<PngReadState*>(png_get_io_ptr(png));
@@ -99,6 +122,16 @@ bool DecodePng(PngReadState* state) {
   if (png_get_rowbytes(state->png, state->info) != static_cast<size_t>(width) * 4) {
     png_error(state->png, "unexpected row layout");
   }
+  state->fullSize = Size{double(width), double(height)};
+  const bool interlaced = png_get_interlace_type(state->png, state->info) != PNG_INTERLACE_NONE;
+  const int factor = interlaced ? 1
+                                : ShrinkFactorToCover(width, height, state->options->shrinkToFit,
+                                                      kMostShrink);
+  if (factor > 1) {
+    DecodeShrunk(state, static_cast<int>(width), static_cast<int>(height), factor);
+    png_read_end(state->png, nullptr);
+    return true;
+  }
   state->bitmap = Bitmap::create(static_cast<int>(width), static_cast<int>(height));
   if (!state->bitmap) png_error(state->png, "out of memory");
   state->rows.resize(height);
@@ -132,8 +165,14 @@ ImageResult ReadPNG(std::span<const uint8_t> bytes, const ImageReadOptions& opti
                    !state.sizeError.empty() ? state.sizeError : "malformed data (" + state.message + ")");
   }
   Bitmap& bitmap = *state.bitmap;
-  for (int row = 0; row < bitmap.pixelsHigh(); ++row) {
-    bitmap.writeRGBARow(row, bitmap.rowAt(row), AlphaMode::Straight);
+  if (state.shrinker) {
+    // Shrunk while decoding (already premultiplied): it still stands for the
+    // whole image.
+    bitmap.setSize(state.fullSize);
+  } else {
+    for (int row = 0; row < bitmap.pixelsHigh(); ++row) {
+      bitmap.writeRGBARow(row, bitmap.rowAt(row), AlphaMode::Straight);
+    }
   }
   image_decoding::ConvertToSRGB(bitmap, state.iccProfile, ImageFormat::PNG);
   image_decoding::ApplyResolution(bitmap, state.xDotsPerInch, state.yDotsPerInch);
