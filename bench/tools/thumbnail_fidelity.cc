@@ -57,10 +57,13 @@ int Run(int argc, char** argv) {
   double meanSum = 0;
   int worst = 0, compared = 0;
   for (const std::string& file : files) {
+    // The thumbnail reads the file as a thumbnail does (a large image may
+    // shrink while it decodes); the full picture reads it whole.
     const PreviewSource source = ReadPreviewSource(file, PreviewKind::Thumbnail);
+    const PreviewSource thumbnailSource = ReadPreviewSource(file, PreviewKind::Thumbnail, {}, size);
     std::string failure;
     const auto full = Draw(source, 0, &failure);
-    const auto direct = full ? Draw(source, size, &failure) : nullptr;
+    const auto direct = full ? Draw(thumbnailSource, size, &failure) : nullptr;
     if (!direct) {
       std::printf("%-40s not drawn: %s\n", file.c_str(), failure.c_str());
       continue;
