@@ -7,6 +7,7 @@
 
 #include "document/paint_manager.h"
 #include "draws/draw_group.h"
+#include "raster/draw_filter.h"
 #include "raster/draw_image.h"
 #include "platform/values/bitmap.h"
 #include "preview/preview_source.h"
@@ -25,6 +26,12 @@ LayerInfo DescribeDraw(const DrawBase& draw) {
   layer.bounds = draw.pathBounds();
   layer.attributes = draw.drawAttributes();
   layer.opacity = draw.opacity();
+  if (const auto* filter = dynamic_cast<const DrawFilter*>(&draw)) {
+    layer.filterName = std::string(filter->filterName());
+    if (filter->filterSettings()) {
+      layer.filterSettings.assign(filter->filterSettings()->begin(), filter->filterSettings()->end());
+    }
+  }
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
     layer.isGroup = true;
     for (const auto& member : group->draws()) layer.members.push_back(DescribeDraw(*member));
@@ -165,6 +172,14 @@ void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
            JsonNumber(layer.bounds.size.height) + "]";
     out += ",\"attributes\":" + JsonAttributes(layer.attributes);
     out += ",\"opacity\":" + JsonFloat(layer.opacity);
+    if (layer.filterName) {
+      out += ",\"filter\":{\"name\":" + JsonString(*layer.filterName) + ",\"settings\":{";
+      for (size_t k = 0; k < layer.filterSettings.size(); ++k) {
+        if (k > 0) out += ",";
+        out += JsonString(layer.filterSettings[k].first) + ":" + JsonNumber(layer.filterSettings[k].second);
+      }
+      out += "}}";
+    }
     if (layer.isGroup) {
       out += ",\"layers\":";
       AppendLayersJson(out, layer.members);
@@ -195,6 +210,10 @@ void AppendLayersText(std::string& out, const std::vector<LayerInfo>& layers, in
     out += " rotation " + TextNumber(layer.rotation);
     out += " bounds " + TextRect(layer.bounds);
     if (layer.isGroup) out += " (" + std::to_string(layer.members.size()) + " members)";
+    if (layer.filterName) {
+      out += " filter \"" + *layer.filterName + "\"";
+      for (const auto& [key, value] : layer.filterSettings) out += " " + key + " " + TextNumber(value);
+    }
     out += "\n";
     AppendLayersText(out, layer.members, depth + 1);
   }

@@ -3,6 +3,9 @@
 // for a plain image its size. Printed as text or as one JSON object.
 #pragma once
 
+#include <optional>
+#include <utility>
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -24,6 +27,9 @@ struct LayerInfo {
   DrawAttributes attributes;  // the draw's look (drawAttributes)
   float opacity = 0;          // what the opacity control shows
   bool isGroup = false;
+  // For a filter layer: its effect's display name and current settings.
+  std::optional<std::string> filterName;
+  std::vector<std::pair<std::string, double>> filterSettings;
   std::vector<LayerInfo> members;  // for a group
 };
 

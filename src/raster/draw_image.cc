@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "platform/graphics/bitmap_functions.h"
 #include "platform/values/bitmap.h"
 #include "platform/graphics/graphics_context.h"
 #include "platform/graphics/graphics_guards.h"
@@ -17,9 +18,15 @@ std::shared_ptr<DrawImage> DrawImage::withImage(std::shared_ptr<Bitmap> image) {
   return draw;
 }
 
+void DrawImage::flip(bool horizontal) {
+  if (image_) image_ = ImageFliped(image_, horizontal);
+  DrawRectangle::flip(horizontal);
+}
+
 void DrawImage::_draw() {
   GraphicsContext* context = GraphicsContext::current();
-  if (context == nullptr || !image_) return;
+  std::shared_ptr<Bitmap> shown = imageForDrawing();
+  if (context == nullptr || !shown) return;
   GraphicsStateGuard saved(*context);
   context->setShouldAntialias(true);
   context->setCompositingOperation(CompositingOperation::SourceOver);
@@ -30,7 +37,7 @@ void DrawImage::_draw() {
   Rect destination = pathBounds();
   destination.origin.x = std::trunc(destination.origin.x + 0.5);
   destination.origin.y = std::trunc(destination.origin.y + 0.5);
-  context->drawBitmap(*image_, destination, ZeroRect(), CompositingOperation::SourceOver, 1.0);
+  context->drawBitmap(*shown, destination, ZeroRect(), CompositingOperation::SourceOver, 1.0);
 }
 
 }  // namespace paintdoc

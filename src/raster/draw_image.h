@@ -1,5 +1,4 @@
-// Image layers: a bitmap shown inside a rectangle, and the filter layer that
-// shows an image effect applied to its bitmap.
+// Image layers: a bitmap shown inside a rectangle.
 #pragma once
 
 #include <memory>
@@ -21,18 +20,18 @@ class DrawImage : public DrawRectangle {
   // The pixels shown (shared, not copied), or null.
   const std::shared_ptr<Bitmap>& image() const { return image_; }
   void setImage(std::shared_ptr<Bitmap> image) { image_ = std::move(image); }
-  // The bitmap stretched into the path's bounds (origin rounded to whole
+  // The bitmap shown: the stored one here; filter layers show their effect.
+  virtual std::shared_ptr<Bitmap> imageForDrawing() { return image_; }
+  // Mirrors the stored bitmap with the outline.
+  using DrawRectangle::flip;
+  void flip(bool horizontal) override;
+  // imageForDrawing() stretched into the path's bounds (origin rounded to whole
   // units), rotated with the draw and casting its shadow.
   void _draw() override;
 
  protected:
   std::shared_ptr<Bitmap> image_;
   // ---- end of the minimal image layer ----
-};
-
-class DrawFilter : public DrawImage {
-  PAINTDOC_CLASS(DrawFilter, DrawImage)
-  bool hasControlKnob() const override { return false; }
 };
 
 }  // namespace paintdoc

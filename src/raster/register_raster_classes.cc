@@ -1,5 +1,6 @@
 #include "raster/register_raster_classes.h"
 
+#include "raster/draw_filter.h"
 #include "raster/draw_image.h"
 #include "raster/draw_raster.h"
 #include "raster/draw_selections.h"

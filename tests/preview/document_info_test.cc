@@ -125,3 +125,26 @@ TEST(DocumentInfoText, ImageIsOneLineWithPixelsAndPoints) {
 
 }  // namespace
 }  // namespace paintdoc
+
+namespace paintdoc {
+namespace {
+
+TEST(DocumentInfo, FilterLayersShowTheirEffectAndSettings) {
+  LayerInfo layer;
+  layer.className = "DrawFilter";
+  layer.title = "Blur";
+  layer.visible = true;
+  layer.filterName = "Blur";
+  layer.filterSettings = {{"inputRadius", 4.5}};
+  DocumentInfo info;
+  info.isDocument = true;
+  info.layers = {layer};
+  EXPECT_NE(FormatDocumentInfoText(info).find(" filter \"Blur\" inputRadius 4.5\n"), std::string::npos)
+      << FormatDocumentInfoText(info);
+  EXPECT_NE(FormatDocumentInfoJson(info).find("\"filter\":{\"name\":\"Blur\",\"settings\":{\"inputRadius\":4.5}}"),
+            std::string::npos)
+      << FormatDocumentInfoJson(info);
+}
+
+}  // namespace
+}  // namespace paintdoc

@@ -1,5 +1,7 @@
 #include "platform/graphics/bitmap_functions.h"
 
+#include <cstring>
+
 #include "platform/graphics/graphics_context.h"
 #include "platform/values/log.h"
 
@@ -57,6 +59,44 @@ std::shared_ptr<Bitmap> CropImage(const std::shared_ptr<Bitmap>& bitmap, const R
       MakeRect(-rect.origin.x, -rect.origin.y, bitmap->pixelsWide(), bitmap->pixelsHigh());
   focus.context().drawBitmap(*bitmap, placed, ZeroRect(), CompositingOperation::Copy, 1.0);
   return cropped;
+}
+
+std::shared_ptr<Bitmap> ScissorImage(const std::shared_ptr<Bitmap>& bitmap, const BezierPath& path) {
+  if (!bitmap || path.isEmpty()) return nullptr;
+  const Rect area =
+      RectIntersection(path.bounds(), MakeRect(0, 0, bitmap->pixelsWide(), bitmap->pixelsHigh()));
+  if (!(area.width() >= 1.0) || !(area.height() >= 1.0)) return nullptr;
+  std::shared_ptr<Bitmap> cut = InitImageRep(bitmap->pixelsWide(), bitmap->pixelsHigh());
+  if (!cut) return nullptr;
+  {
+    BitmapFocus focus(cut);
+    GraphicsContext& context = focus.context();
+    context.setShouldAntialias(true);
+    context.clip(path);
+    context.drawBitmap(*bitmap, MakeRect(0, 0, bitmap->pixelsWide(), bitmap->pixelsHigh()), ZeroRect(),
+                       CompositingOperation::SourceOver, 1.0);
+  }
+  return CropImage(cut, area);
+}
+
+std::shared_ptr<Bitmap> ImageFliped(const std::shared_ptr<Bitmap>& bitmap, bool horizontal) {
+  if (!bitmap) return nullptr;
+  std::shared_ptr<Bitmap> mirrored = bitmap->copy();
+  if (!mirrored) return nullptr;
+  const int width = bitmap->pixelsWide(), height = bitmap->pixelsHigh();
+  for (int row = 0; row < height; ++row) {
+    const uint8_t* from = bitmap->rowAt(horizontal ? row : height - 1 - row);
+    uint8_t* to = mirrored->rowAt(row);
+    if (!horizontal) {
+      std::memcpy(to, from, bitmap->bytesPerRow());
+      continue;
+    }
+    for (int x = 0; x < width; ++x) {
+      std::memcpy(to + static_cast<size_t>(x) * Bitmap::kBytesPerPixel,
+                  from + static_cast<size_t>(width - 1 - x) * Bitmap::kBytesPerPixel, Bitmap::kBytesPerPixel);
+    }
+  }
+  return mirrored;
 }
 
 Rect ImageRectByTrimEmpty(const std::shared_ptr<Bitmap>& bitmap) {

@@ -10,6 +10,7 @@
 
 #include <memory>
 
+#include "platform/values/bezier_path.h"
 #include "platform/values/bitmap.h"
 #include "platform/values/geometry.h"
 
@@ -39,6 +40,14 @@ void ClearImage(const std::shared_ptr<Bitmap>& bitmap);
 // parts of the rectangle outside the source stay transparent. Null when the
 // rectangle is narrower or lower than 1 pixel.
 std::shared_ptr<Bitmap> CropImage(const std::shared_ptr<Bitmap>& bitmap, const Rect& rect);
+
+// The part of the source inside the path (antialiased at its edge), cropped
+// to the path's bounds within the bitmap. Null when the path is empty or its
+// bounds cover less than a pixel of the bitmap on either side.
+std::shared_ptr<Bitmap> ScissorImage(const std::shared_ptr<Bitmap>& bitmap, const BezierPath& path);
+
+// The bitmap mirrored left-right (`horizontal`) or top-bottom.
+std::shared_ptr<Bitmap> ImageFliped(const std::shared_ptr<Bitmap>& bitmap, bool horizontal);
 
 // The smallest rectangle holding every pixel whose alpha is not 0, or the zero
 // rectangle when there is none. As on the original platform, a fully
