@@ -12,6 +12,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // that enforce it are the same.
   paintdoc::ImageReadOptions options;
   options.maxPixels = 1 << 20;
+  // The image's own bytes also pick a thumbnail size: odd and even sizes,
+  // none, and sizes around the image's, so the readers that shrink while
+  // they decode are reached with every factor.
+  options.shrinkToFit = size > 0 ? (data[size - 1] % 2 == 0 ? 0 : data[size / 2] + 1) : 0;
   paintdoc::ReadImage(std::span<const uint8_t>(data, size), options);
   return 0;
 }

@@ -16,6 +16,7 @@
 
 #include "platform/filters/filter_inputs.h"
 #include "platform/values/bitmap.h"
+#include "platform/values/parallel_loops.h"
 
 namespace paintdoc::filter_pixels {
 
@@ -46,11 +47,11 @@ inline void WritePremultiplied(uint8_t* pixel, float red, float green, float blu
   pixel[Bitmap::kAlpha] = alpha;
 }
 
-// Runs body(row) for every storage row, rows in parallel when the bitmap is
-// large enough to repay starting the threads.
+// Runs body(row) for every storage row, rows in parallel when parallel pixel
+// loops are on and the bitmap is large enough to repay starting the threads.
 template <class Body>
 void ForEachRow(int height, long pixels, Body body) {
-  const bool parallel = pixels >= (1L << 16);
+  const bool parallel = ParallelPixelLoops() && pixels >= (1L << 16);
 #pragma omp parallel for schedule(static) if (parallel)
   for (int row = 0; row < height; ++row) body(row);
 }
