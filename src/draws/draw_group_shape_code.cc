@@ -116,7 +116,9 @@ void DrawGroup::createShapeCode() const {
   for (size_t i = 0; i < outlines.size(); ++i) {
     box = i == 0 ? outlines[i].bounds() : RectUnion(box, outlines[i].bounds());
   }
-  const float ratio = static_cast<float>(box.size.width) / static_cast<float>(box.size.height);
+  float ratio = static_cast<float>(box.size.width) / static_cast<float>(box.size.height);
+  // 0 / 0 comes out as a negative NaN here; the log shows it as "nan".
+  if (std::isnan(ratio)) ratio = std::fabs(ratio);
   char ratioLine[64];
   std::snprintf(ratioLine, sizeof ratioLine, "w : h = %0.3f", static_cast<double>(ratio));
   Log(ratioLine);
