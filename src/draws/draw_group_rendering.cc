@@ -1,6 +1,7 @@
 // DrawGroup's painting, its bounds (unions over the visible members) and the
 // editing overlays it passes on to its members.
 #include <memory>
+#include <string>
 
 #include "draws/canvas_view.h"
 #include "draws/draw_group.h"
@@ -42,6 +43,7 @@ class RotationInProgress {
 
 // Marks the drawing under way failed: a group nested too deep is not drawn.
 void RefuseTooDeep() {
+  Log(std::string("Error: ") + kTooDeep);
   if (GraphicsContext* context = GraphicsContext::current()) context->recordFailure(kTooDeep);
 }
 
@@ -147,7 +149,14 @@ Rect DrawGroup::pathBounds() const {
   if (nesting.tooDeep()) return ZeroRect();
   BezierPath outlines;
   for (const auto& member : aryDraws_) {
-    if (!member->visible() || !member->bezierPath()) continue;
+    if (!member->visible()) continue;
+    // A nested group's own outline is the box of its members.
+    if (const auto* nested = dynamic_cast<const DrawGroup*>(member.get())) {
+      const Rect box = nested->drawRect();
+      if (!RectIsEmpty(box)) outlines.appendRect(box);
+      continue;
+    }
+    if (!member->bezierPath()) continue;
     const BezierPath& outline = member->bezierPath().value();
     if (!outline.isEmpty()) outlines.appendPath(outline.transformed(member->transform()));
   }
