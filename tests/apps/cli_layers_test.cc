@@ -3,6 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <limits>
+
+#include "document/paint_manager.h"
+#include "draws/draw_lines.h"
+#include "preview/document_container.h"
 
 #include "support/apps/app_fixtures.h"
 #include "support/apps/program_runner.h"
@@ -90,6 +95,36 @@ TEST(CliLayers, RefusalsAndClashes) {
   }
   EXPECT_EQ(fs::last_write_time(out + "/layer-0000.png"), before);
   EXPECT_EQ(RunProgram({kTool, "layers", document, "-o", out, "--force"}).exitStatus, 0);
+}
+
+// Lines whose numbers are not finite or absurdly large, drawn by every tool:
+// a picture or a one-line refusal, never a crash or a runaway allocation.
+TEST(CliLayers, HostileLinesGiveAClearResult) {
+  auto canvas = PaintManager::withSize({200, 100});
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const auto& [start, end, width] :
+       {std::tuple{Point{nan, 10}, Point{50, nan}, 3.0}, std::tuple{Point{10, 10}, Point{90, 10}, 1e30}}) {
+    auto line = MakeDraw<DrawLine>();
+    line->setStartPoint(start, end);
+    line->setBezierPathLineWidth(static_cast<float>(width));
+    line->setArrowStyle(DrawArrowedOutline::kArrowAtBothEnds);
+    line->setStrokeColor(Color::blackColor());
+    canvas->addDraw(line);
+  }
+  const std::vector<uint8_t> bytes = WriteDocumentContainer(*canvas);
+  const std::string document = WriteBytesFile("hostile-lines.paintdoc", bytes);
+  const std::string out = FreshFolder("hostile");
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{kTool, "render", document, "-o", out + "/render.png"},
+        std::vector<std::string>{kTool, "thumbnail", document, out + "/thumb.png"},
+        std::vector<std::string>{kTool, "layers", document, "-o", out + "/layers"}}) {
+    const ProgramResult result = RunProgram(arguments);
+    SCOPED_TRACE(arguments[1]);
+    EXPECT_TRUE(result.exitStatus == 0 || result.exitStatus == 1) << result.exitStatus;
+    if (result.exitStatus != 0) {
+      EXPECT_EQ(Lines(result.err).size(), 1u) << result.err;
+    }
+  }
 }
 
 }  // namespace
