@@ -20,6 +20,7 @@ using Arguments = std::vector<std::string>;
 int RunRender(const Arguments& arguments);
 int RunThumbnail(const Arguments& arguments);
 int RunInfo(const Arguments& arguments);
+int RunLayers(const Arguments& arguments);
 
 // One line on standard error: "paintdoc: <message>".
 void Complain(const std::string& message);

@@ -86,6 +86,31 @@ ExampleDocument Layers() {
   star->setVisible(false);
   draws.push_back(star);
 
+  // Lines with arrowheads and a filled polygon, in a group inside a group.
+  auto arrow = MakeDraw<DrawLine>();
+  arrow->setStartPoint({40, 250}, {360, 250});
+  arrow->setBezierPathLineWidth(3);
+  arrow->setArrowStyle(DrawArrowedOutline::kArrowAtBothEnds);
+  arrow->setStrokeColor(Color::calibratedRGB(0.1, 0.2, 0.6));
+  auto curve = MakeDraw<DrawCurve>();
+  curve->setStartPoint({40, 60}, {120, 110}, {280, 10}, {360, 60});
+  curve->setBezierPathLineWidth(6);
+  curve->setArrowStyle(DrawArrowedOutline::kArrowAtEnd);
+  curve->setStrokeColor(Color::calibratedRGB(0.8, 0.1, 0.1, 0.5));
+  BezierPath kite;
+  kite.moveTo({330, 200});
+  kite.lineTo({360, 230});
+  kite.lineTo({390, 200});
+  kite.lineTo({360, 140});
+  kite.closePath();
+  auto polygon = Filled(Shape<DrawFreePolygon>(kite), Color::calibratedRGB(0.2, 0.6, 0.9),
+                        Color::blackColor());
+  auto marks = DrawGroup::withDraws({curve, polygon});
+  marks->setLayerTitle("Marks");
+  auto annotations = DrawGroup::withDraws({arrow, marks});
+  annotations->setLayerTitle("Annotations");
+  draws.push_back(annotations);
+
   auto frame = Shape<DrawRectangle>(BezierPath::withRect(MakeRect(10, 10, 380, 280)));
   frame->setLocked(true);
   frame->setLayerTitle("Frame");

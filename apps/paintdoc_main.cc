@@ -29,6 +29,10 @@ constexpr const char* kUsage =
     "                                         smallest that holds SIZE (up to 1024);\n"
     "                                         refused files recorded under fail/\n"
     "  paintdoc info FILE [--json]            format version, canvas and layers\n"
+    "  paintdoc layers FILE -o DIR [--force]  every top-level layer alone as\n"
+    "                                         DIR/layer-NNNN.png, and DIR/layers.json\n"
+    "                                         with where each belongs on the canvas;\n"
+    "                                         existing files are kept unless --force\n"
     "  paintdoc --help | --version\n"
     "\n"
     "FILE is a paint document or a plain image (PNG, JPEG, TIFF, GIF, WebP, BMP).\n"
@@ -75,6 +79,7 @@ int main(int argc, char** argv) {
   if (command == "render") return paintdoc::cli::RunRender(arguments);
   if (command == "thumbnail") return paintdoc::cli::RunThumbnail(arguments);
   if (command == "info") return paintdoc::cli::RunInfo(arguments);
+  if (command == "layers") return paintdoc::cli::RunLayers(arguments);
   paintdoc::cli::Complain("unknown command \"" + command + "\" (try paintdoc --help)");
   return paintdoc::cli::kExitUsage;
 }

@@ -9,7 +9,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "archive/codable.h"
 #include "draws/draw_group.h"
@@ -20,6 +22,16 @@ namespace paintdoc {
 class Bitmap;
 class DrawImage;
 class GraphicsContext;
+
+// The structure of a layer tree, saved for undo: "Layers" holds the top-level
+// draws without the background, "SubLayers" one member list for each group of
+// "Layers", in order. The draws are shared, not copied. A saved status that
+// lost an entry (read from elsewhere) is unusable.
+struct LayerStatus {
+  std::optional<DrawList> layers;                  // "Layers"
+  std::optional<std::vector<DrawList>> subLayers;  // "SubLayers"
+  friend bool operator==(const LayerStatus&, const LayerStatus&) = default;
+};
 
 class PaintManager : public Codable {
  public:
@@ -111,11 +123,81 @@ class PaintManager : public Codable {
   // The former top draw is painted into the buffer, which stays valid.
   bool addDraw(std::shared_ptr<DrawBase> draw);
 
+  // ---- end of composition ----
+
+  // ---- Layer tree (paint_manager_layers.cc) ----
+  //
+  // The tree is two levels deep: top-level draws, some of them groups whose
+  // members are looked at one level down. A selection is a list of draws
+  // compared by identity. Every operation keeps the composition caches right:
+  // it repaints at once or drops the buffer. Invalid input answers false,
+  // null or kNotFound and leaves the tree as it was; nothing is logged.
+
+  // Whether the draw is top level or a member of a top-level group.
+  bool containsDraw(const std::shared_ptr<DrawBase>& draw) const;
+  // The first top-level group (bottom first) holding the draw as a member;
+  // null for null, for a top-level draw and for a draw in no group.
+  std::shared_ptr<DrawGroup> groupForDraw(const std::shared_ptr<DrawBase>& draw) const;
+  // The top-level index, or kNotFound; members are not searched.
+  int64_t indexOfDraw(const std::shared_ptr<DrawBase>& draw) const;
+  // The visible draws (not the background) whose drawRect meets the
+  // rectangle, bottom first; a group only partly inside gives its visible
+  // members that meet it instead. Empty for a rectangle 1 unit or less
+  // across.
+  DrawList drawsInRect(const Rect& rect) const;
+
+  // Inserts at a top-level index (never below the background); the count
+  // appends through addDraw().
+  bool insertDraw(std::shared_ptr<DrawBase> draw, int64_t index);
+  // Puts `replacement` where `old` is, at the top level or in its group. The
+  // background can only be replaced by an image draw.
+  bool replaceDraw(const std::shared_ptr<DrawBase>& old, std::shared_ptr<DrawBase> replacement);
+  // Removes a top-level draw or a member of a top-level group.
+  bool removeDraw(const std::shared_ptr<DrawBase>& draw);
+
+  // Whether moveUpDraws() / moveDownDraws() would move anything (the
+  // background never counts).
+  bool canMoveDrawsUp(const DrawList& selection) const;
+  bool canMoveDrawsDown(const DrawList& selection) const;
+  // Moves each selected draw one place up (down), at the top level or inside
+  // its group; adjacent selected draws move as a block. False when nothing
+  // moved.
+  bool moveUpDraws(const DrawList& selection);
+  bool moveDownDraws(const DrawList& selection);
+
+  // Whether the selection is non-empty and wholly top level.
+  bool canMergeDraws(const DrawList& selection) const;
+  // A new group of the selected top-level draws (selected groups give their
+  // members), put where the topmost of them was; null when a selected draw
+  // is not top level.
+  std::shared_ptr<DrawGroup> mergeDraws(const DrawList& selection);
+  // A new group, in place of `target`, of the target and the selection in
+  // layer order; selected members of other groups are taken out of them.
+  std::shared_ptr<DrawGroup> mergeDraws(const DrawList& selection,
+                                        const std::shared_ptr<DrawBase>& target);
+  // Whether a selected draw is a top-level group.
+  bool canUnMergeDraws(const DrawList& selection) const;
+  // Puts the members of each selected top-level group where the group was
+  // and removes the group; the released draws, or nothing when no selected
+  // draw is a top-level group.
+  std::optional<DrawList> unMergeDraws(const DrawList& selection);
+  // Moves the selected draws, in layer order, into `target` at a member
+  // index, or to the top level at a top-level index when `target` is null.
+  // False when the structure did not change.
+  bool moveDraws(const DrawList& selection, const std::shared_ptr<DrawBase>& target,
+                 int64_t index);
+
+  // The structure of the tree, for undo.
+  LayerStatus savedLayerDrawsStatus() const;
+  // Rebuilds the tree from a saved status. Answers the draws the status
+  // holds that the canvas did not, or nothing for an unusable status (which
+  // may leave the groups partly restored).
+  std::optional<DrawList> restoreFromLayerStatus(const LayerStatus& status);
+  // ---- end of the layer tree ----
+
  private:
   std::shared_ptr<Bitmap> makeCanvasBitmap() const;
-  // The top-level group holding `draw` as a member, or null.
-  std::shared_ptr<DrawGroup> topLevelGroupHolding(const std::shared_ptr<DrawBase>& draw) const;
-  // ---- end of composition ----
+  void dropBuffer() { imageBuffer_.reset(); }
 
   Size size_;
   DrawList aryDraw_;

@@ -129,16 +129,6 @@ void PaintManager::setBackgroundImage(std::shared_ptr<Bitmap> image) {
   setBackgroundDraw(std::move(background));
 }
 
-std::shared_ptr<DrawGroup> PaintManager::topLevelGroupHolding(
-    const std::shared_ptr<DrawBase>& draw) const {
-  if (!draw || Contains(aryDraw_, draw)) return nullptr;
-  for (const auto& element : aryDraw_) {
-    auto group = std::dynamic_pointer_cast<DrawGroup>(element);
-    if (group && Contains(group->draws(), draw)) return group;
-  }
-  return nullptr;
-}
-
 void PaintManager::respondToChangeOfDraws(const DrawList& changedDraws) {
   const std::shared_ptr<DrawBase> top = toppestDraw();
   // Only the top draw changed: the buffer below it is still right.
@@ -154,7 +144,7 @@ void PaintManager::respondToChangeOfDraws(const DrawList& changedDraws) {
   }
   bool topGroupChanged = false;
   for (const auto& draw : changedDraws) {
-    const std::shared_ptr<DrawGroup> group = topLevelGroupHolding(draw);
+    const std::shared_ptr<DrawGroup> group = groupForDraw(draw);
     if (!group) continue;
     if (group != top) {
       imageBuffer_.reset();

@@ -129,6 +129,13 @@ class DrawBase : public Codable, public std::enable_shared_from_this<DrawBase> {
   // override it (they work on the bitmap's pixels or on their members);
   // vector draws paint into the current graphics context with draw().
   virtual void drawInImage(const std::shared_ptr<Bitmap>& image);
+  // The same into a bitmap that shows the canvas from `origin` on (a group's
+  // renderedImage). Draws that paint through the current transform need no
+  // more than drawInImage(); a fill that works on the bitmap's own pixels
+  // overrides this to meet the bitmap where it lies.
+  virtual void drawInRenderedImage(const std::shared_ptr<Bitmap>& image, Point /*origin*/) {
+    drawInImage(image);
+  }
 
   // ---- Rendering pipeline (draw_base_rendering.cc) ----
 

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "archive/keyed_archiver.h"
+#include "draws/group_nesting.h"
 #include "archive/keyed_unarchiver.h"
 #include "platform/values/log.h"
 #include "platform/values/not_found.h"
@@ -12,9 +13,23 @@ namespace paintdoc {
 
 DrawGroup::~DrawGroup() { removeAllDraws(); }
 
+std::shared_ptr<DrawGroup> DrawGroup::withDraws(const DrawList& draws) {
+  auto group = MakeDraw<DrawGroup>();
+  group->aryDraws_ = draws;
+  group->dropCyclicMembers();
+  group->adoptMembers();
+  return group;
+}
+
 void DrawGroup::encodeWithCoder(KeyedArchiver& coder) const {
   DrawBase::encodeWithCoder(coder);
-  if (!aryDraws_.empty()) coder.encodeArrayOfObjectsForKey(aryDraws_, "Draws");
+  if (aryDraws_.empty()) return;
+  GroupNesting nesting;
+  if (nesting.tooDeep()) {
+    Log("Error: groups nested too deep to archive; the deepest members are left out");
+    return;
+  }
+  coder.encodeArrayOfObjectsForKey(aryDraws_, "Draws");
 }
 
 bool DrawGroup::initWithCoder(KeyedUnarchiver& coder) {
@@ -25,25 +40,10 @@ bool DrawGroup::initWithCoder(KeyedUnarchiver& coder) {
   return true;
 }
 
-bool DrawGroup::hasBorder() const {
-  bool metVisibleMember = false;
-  for (const auto& member : aryDraws_) {
-    if (!member->visible()) continue;
-    if (member->hasBorder() || metVisibleMember) return true;
-    metVisibleMember = true;
-  }
-  return false;
-}
-
-void DrawGroup::drawInImage(const std::shared_ptr<Bitmap>& image) {
-  for (const auto& member : aryDraws_) {
-    if (member->visible()) member->drawInImage(image);
-  }
-}
-
 void DrawGroup::setDraws(const DrawList& draws) {
   if (&draws == &aryDraws_) return;
   aryDraws_ = draws;
+  dropCyclicMembers();
   adoptMembers();
 }
 
@@ -73,7 +73,7 @@ int64_t DrawGroup::indexOfDraw(const std::shared_ptr<DrawBase>& draw) const {
 }
 
 bool DrawGroup::insertDraw(const std::shared_ptr<DrawBase>& draw, int64_t index) {
-  if (!draw || indexOfDraw(draw) != kNotFound) return false;
+  if (!draw || indexOfDraw(draw) != kNotFound || WouldContain(*draw, *this)) return false;
   if (index < 0 || index > static_cast<int64_t>(aryDraws_.size())) return false;
   aryDraws_.insert(aryDraws_.begin() + index, draw);
   return true;
@@ -82,13 +82,39 @@ bool DrawGroup::insertDraw(const std::shared_ptr<DrawBase>& draw, int64_t index)
 bool DrawGroup::replaceDraw(const std::shared_ptr<DrawBase>& old,
                             const std::shared_ptr<DrawBase>& replacement) {
   const int64_t index = indexOfDraw(old);
-  if (index == kNotFound || !replacement || indexOfDraw(replacement) != kNotFound) {
+  if (index == kNotFound || !replacement || indexOfDraw(replacement) != kNotFound ||
+      WouldContain(*replacement, *this)) {
     return false;
   }
   aryDraws_[index] = replacement;
   releaseMember(*old);
   replacement->setGroup(this);
   return true;
+}
+
+bool DrawGroup::WouldContain(const DrawBase& draw, const DrawGroup& group) {
+  // Walks the draw's subtree once, each group visited once; the walk is
+  // iterative so that a deep chain cannot exhaust the stack.
+  std::vector<const DrawBase*> pending{&draw};
+  std::unordered_set<const DrawBase*> visited;
+  while (!pending.empty()) {
+    const DrawBase* next = pending.back();
+    pending.pop_back();
+    if (next == &group) return true;
+    const auto* nested = dynamic_cast<const DrawGroup*>(next);
+    if (nested == nullptr || !visited.insert(nested).second) continue;
+    for (const auto& member : nested->aryDraws_) pending.push_back(member.get());
+  }
+  return false;
+}
+
+void DrawGroup::dropCyclicMembers() {
+  const auto cyclic = [this](const std::shared_ptr<DrawBase>& member) {
+    return !member || WouldContain(*member, *this);
+  };
+  if (std::none_of(aryDraws_.begin(), aryDraws_.end(), cyclic)) return;
+  Log("Error: a group can't contain itself; those members are left out");
+  std::erase_if(aryDraws_, cyclic);
 }
 
 DrawList DrawGroup::UniqueUnheldDraws(DrawList draws) {

@@ -16,6 +16,14 @@ class DrawGroup : public DrawBase {
   PAINTDOC_CLASS(DrawGroup, DrawBase)
   ~DrawGroup() override;
 
+  // Groups nest at most this deep: below it a group paints nothing (and
+  // marks the drawing failed), measures empty and passes nothing on.
+  static constexpr int kMaxNesting = 128;
+
+  // A group of its class's defaults holding a copy of the list, every member
+  // adopted (not taken out of any former container).
+  static std::shared_ptr<DrawGroup> withDraws(const DrawList& draws);
+
   std::string name() const override { return "Group"; }
 
   // The DrawBase keys, then the members under "Draws" when there are any.
@@ -31,8 +39,52 @@ class DrawGroup : public DrawBase {
   // is met; no for no visible member or a single borderless one.
   bool hasBorder() const override;
 
-  // Paints every visible member, in order, into the same bitmap.
+  // ---- Rendering and overlays (draw_group_rendering.cc)
+
+  // A group paints only through drawInImage(): this logs and paints nothing.
+  void _draw() override;
+  // Paints every visible member, in order, into the same bitmap (groups
+  // recurse); while rotating, turned by the group's transform.
   void drawInImage(const std::shared_ptr<Bitmap>& image) override;
+  // The group alone in a new bitmap of renderedRect()'s size.
+  std::shared_ptr<Bitmap> renderedImage() override;
+  void clearHighlightCache() override;
+  void drawHighlightInCanvasView(const CanvasView& view) override;
+  // The members' borders, then the group's own box in black under red dashes.
+  void drawBorderInCanvasView(const CanvasView& view) override;
+
+  // ---- Bounds: unions over the visible members (draw_group_rendering.cc)
+
+  Rect drawRect() const override;
+  // The bounds of the members' outlines, each turned by its own rotation.
+  Rect pathBounds() const override;
+  // While rotating, turned by the group's transform and made integral.
+  Rect renderedRect() const override;
+  // Each member's display area grown by its line width; while rotating,
+  // turned by the group's transform.
+  Rect displayRect() const override;
+  // Sets the group's own outline to the box drawRect() and answers it.
+  const std::optional<BezierPath>& rebuildBezierPath();
+
+  // ---- Transforms, passed on to the members (draw_group_transforms.cc)
+
+  // Starting resets the rotation in progress; ending turns the members by it.
+  void setRotating(bool rotating) override;
+  // Turns the members at once by a whole multiple of 90 degrees; any other
+  // angle is logged and ignored. The group stores no rotation.
+  void setRotateDegree(float degrees) override;
+  using DrawBase::flip;
+  // Every member mirrored about the group's centre.
+  void flip(bool horizontal) override;
+  void moveBy(float x, float y) override;
+  // Proportional scaling scales every resizable member; stretching skips
+  // (with a log line) visible members turned by other than a right angle.
+  void scaleBy(float sx, float sy, const Point& center, bool resizeLineWidth) override;
+
+  // Logs the outline of the stroked members as code that rebuilds it inside
+  // any box (draw_group_shape_code.cc): first "w : h = <ratio>", then the
+  // path statements with every point relative to the box.
+  void createShapeCode() const;
 
   // The live member list.
   const DrawList& draws() const { return aryDraws_; }
@@ -56,6 +108,10 @@ class DrawGroup : public DrawBase {
   bool replaceDraw(const std::shared_ptr<DrawBase>& old,
                    const std::shared_ptr<DrawBase>& replacement);
 
+  // Whether `draw` is `group` or holds it at any depth: adopting such a
+  // draw would make the group contain itself.
+  static bool WouldContain(const DrawBase& draw, const DrawGroup& group);
+
   // The draws with each one kept only at its first place and only if no group
   // holds it yet (archives may share one object between several places).
   static DrawList UniqueUnheldDraws(DrawList draws);
@@ -63,6 +119,13 @@ class DrawGroup : public DrawBase {
  protected:
   void adoptMembers();
   void releaseMember(DrawBase& member);
+  // Drops (with a log line) members that would make this group contain
+  // itself.
+  void dropCyclicMembers();
+  // Turns one member about `center` by `degrees` as a group rotation does:
+  // a hidden member is shown for the turn if it can be rotated; a visible
+  // one is turned if it can be resized.
+  static void rotateMember(DrawBase& member, float degrees, const Point& center);
 
   DrawList aryDraws_;
 };

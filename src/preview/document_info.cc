@@ -16,7 +16,9 @@ namespace paintdoc {
 
 namespace {
 
-LayerInfo DescribeDraw(const DrawBase& draw) {
+// `depth` counts the groups around the draw: members of groups nested deeper
+// than groups may be are left out.
+LayerInfo DescribeDraw(const DrawBase& draw, int depth = 0) {
   LayerInfo layer;
   layer.className = draw.className();
   layer.title = draw.layerTitle();
@@ -34,7 +36,11 @@ LayerInfo DescribeDraw(const DrawBase& draw) {
   }
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
     layer.isGroup = true;
-    for (const auto& member : group->draws()) layer.members.push_back(DescribeDraw(*member));
+    if (depth < DrawGroup::kMaxNesting) {
+      for (const auto& member : group->draws()) {
+        layer.members.push_back(DescribeDraw(*member, depth + 1));
+      }
+    }
   }
   return layer;
 }
@@ -44,27 +50,6 @@ std::string JsonNumber(double value) {
   return std::isfinite(value) ? FormatNumber(value) : "null";
 }
 
-std::string JsonString(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
-      default:
-        if (static_cast<unsigned char>(c) < 0x20) {
-          char escaped[8];
-          std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
-          out += escaped;
-        } else {
-          out += c;
-        }
-    }
-  }
-  return out + "\"";
-}
 
 const char* JsonBool(bool value) { return value ? "true" : "false"; }
 
@@ -220,6 +205,28 @@ void AppendLayersText(std::string& out, const std::vector<LayerInfo>& layers, in
 }
 
 }  // namespace
+
+std::string JsonString(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    switch (c) {
+      case '"': out += "\\\""; break;
+      case '\\': out += "\\\\"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\t': out += "\\t"; break;
+      default:
+        if (static_cast<unsigned char>(c) < 0x20) {
+          char escaped[8];
+          std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
+          out += escaped;
+        } else {
+          out += c;
+        }
+    }
+  }
+  return out + "\"";
+}
 
 DocumentInfo DescribePreviewSource(const PreviewSource& source) {
   DocumentInfo info;

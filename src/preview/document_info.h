@@ -58,4 +58,8 @@ std::string FormatDocumentInfoText(const DocumentInfo& info);
 // (points) and "pixelsWide", "pixelsHigh".
 std::string FormatDocumentInfoJson(const DocumentInfo& info);
 
+// Text as a JSON string: quoted, with quotes, backslashes and control
+// characters escaped.
+std::string JsonString(const std::string& text);
+
 }  // namespace paintdoc
