@@ -28,9 +28,10 @@ std::string FreshFolder(const std::string& name) {
   return folder.string();
 }
 
-// The example document whose layers include nested groups and lines.
-std::string ExampleWithGroups() {
-  const std::string folder = FreshFolder("examples");
+// The example document whose layers include nested groups and lines, written
+// into a folder of the caller's own (tests run in parallel).
+std::string ExampleWithGroups(const std::string& folderName) {
+  const std::string folder = FreshFolder(folderName);
   const ProgramResult written = RunProgram({AppPath("paintdoc-examples"), folder});
   EXPECT_EQ(written.exitStatus, 0) << written.err;
   return folder + "/layers.paintdoc";
@@ -42,7 +43,7 @@ std::string Python(const std::string& script, const std::string& argument) {
 }
 
 TEST(CliLayers, EveryTopLevelLayerAloneWithItsPlace) {
-  const std::string document = ExampleWithGroups();
+  const std::string document = ExampleWithGroups("examples-1");
   const std::string out = FreshFolder("out") + "/layers";  // made by the tool
   const ProgramResult result = RunProgram({kTool, "layers", document, "-o", out});
   ASSERT_EQ(result.exitStatus, 0) << result.err;
@@ -66,7 +67,7 @@ TEST(CliLayers, EveryTopLevelLayerAloneWithItsPlace) {
 }
 
 TEST(CliLayers, RefusalsAndClashes) {
-  const std::string document = ExampleWithGroups();
+  const std::string document = ExampleWithGroups("examples-2");
   const std::string out = FreshFolder("clash");
   ASSERT_EQ(RunProgram({kTool, "layers", document, "-o", out}).exitStatus, 0);
   const auto before = fs::last_write_time(out + "/layer-0000.png");

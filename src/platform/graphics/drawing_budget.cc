@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <numeric>
 
 #include "platform/graphics/edge_crossings.h"
@@ -46,7 +47,16 @@ constexpr double kMostDashes = 200'000;
 // pixels a gradient spans at most hardly show.
 constexpr size_t kMostGradientStops = 1024;
 
-std::string Whole(double value) { return std::to_string(std::llround(value)); }
+// A count as a whole number; counts too large for 64 bits (a line 1e30 wide
+// spans that many rows) are written in powers of ten instead of overflowing.
+std::string Whole(double value) {
+  if (!(std::fabs(value) < 9e18)) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", value);
+    return text;
+  }
+  return std::to_string(std::llround(value));
+}
 
 std::string PathOf(const BezierPath& path) {
   return "a path of " + std::to_string(path.elementCount()) + " elements";
