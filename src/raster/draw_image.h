@@ -81,8 +81,27 @@ class DrawImage : public DrawRectangle {
 // image the same way): inside the destination, a band of the shadow's colour
 // along the inner edges of `path` (in the current user space), with the
 // image's own shape cut out of it. The caller clears the drop shadow first.
+// `source` is the part of the bitmap drawn (in its points; the zero
+// rectangle for all of it).
 void PaintImageInnerShadow(GraphicsContext& context, const Bitmap& image, const Rect& destination,
-                           const BezierPath& path, const Shadow& innerShadow);
+                           const BezierPath& path, const Shadow& innerShadow,
+                           const Rect& source = ZeroRect());
+
+// What to draw for an image stretched into `destination` under the
+// context's current transform: the image itself (source: the zero rectangle,
+// all of it), or, when one image pixel would span a quarter of a device pixel
+// or less along an axis, a copy averaged down in blocks by the largest whole
+// factor that leaves its pixels at least half a device pixel wide, with the
+// source rectangle that covers the image in it. The high-quality filter then
+// finishes a shrink of 2 to 4: a thumbnail that every pixel of the image
+// contributes to, in time that does not grow with how much it is shrunk.
+struct ImageForDevice {
+  std::shared_ptr<Bitmap> bitmap;
+  Rect source;
+
+  static ImageForDevice reducedFor(const GraphicsContext& context, std::shared_ptr<Bitmap> image,
+                                   const Rect& destination);
+};
 
 // The rectangle an image layer draws its image into: the bounds with the
 // origin rounded to whole units (whole part of value + 0.5, truncated

@@ -357,6 +357,62 @@ TEST(DrawImageGolden, NothingIsDrawnWithoutAnImage) {
   EXPECT_TRUE(ImagesMatch(*drawn, *Solid(10, 10, kWhite), 0, "image_without_pixels"));
 }
 
+// --- drawing much smaller than the pixels
+
+TEST(ImageForDevice, ImagesShrunkFourfoldOrMoreAreAveragedDownInBlocksFirst) {
+  // Columns 0…4 and rows 0…2 (top first) of distinct values.
+  auto image = MakeImage(5, 3, [](int x, int y) {
+    return Rgba8{static_cast<uint8_t>(x * 40), static_cast<uint8_t>((2 - y) * 100), 7, 255};
+  });
+  // A device of 2 × 2 pixels showing 10 × 10 points: a point is 0.2 pixels,
+  // so each image pixel drawn at 1 point spans 0.2 device pixels: blocks of 2.
+  auto device = Bitmap::create(2, 2);
+  device->setSize({10, 10});
+  BitmapFocus focus(device);
+  const ImageForDevice drawn =
+      ImageForDevice::reducedFor(focus.context(), image, MakeRect(0, 0, 5, 3));
+  ASSERT_TRUE(drawn.bitmap);
+  ASSERT_EQ(drawn.bitmap->pixelsWide(), 3);
+  ASSERT_EQ(drawn.bitmap->pixelsHigh(), 2);
+  // Blocks line up with the lower left: the partial ones are the last column
+  // and the top row, each averaged over the pixels it has.
+  auto average = [&](std::initializer_list<std::pair<int, int>> pixels) {
+    unsigned red = 0, green = 0;
+    for (auto [x, y] : pixels) red += image->pixelAt(x, y).red, green += image->pixelAt(x, y).green;
+    const unsigned n = static_cast<unsigned>(pixels.size());
+    return Rgba8{static_cast<uint8_t>((red + n / 2) / n), static_cast<uint8_t>((green + n / 2) / n), 7,
+                 255};
+  };
+  EXPECT_EQ(drawn.bitmap->pixelAt(0, 1), average({{0, 1}, {1, 1}, {0, 2}, {1, 2}}));
+  EXPECT_EQ(drawn.bitmap->pixelAt(2, 1), average({{4, 1}, {4, 2}}));
+  EXPECT_EQ(drawn.bitmap->pixelAt(1, 0), average({{2, 0}, {3, 0}}));
+  EXPECT_EQ(drawn.bitmap->pixelAt(2, 0), average({{4, 0}}));
+  // Its points cover the whole blocks; the source rectangle is the image.
+  EXPECT_EQ(drawn.bitmap->size(), MakeSize(6, 4));
+  EXPECT_EQ(drawn.source, MakeRect(0, 0, 5, 3));
+
+  // At a shrink below 4 the image is drawn as it is.
+  const ImageForDevice asIs =
+      ImageForDevice::reducedFor(focus.context(), image, MakeRect(0, 0, 20, 12));
+  EXPECT_EQ(asIs.bitmap, image);
+  EXPECT_EQ(asIs.source, ZeroRect());
+}
+
+TEST(ImageForDevice, TheShrinkIsMeasuredAlongTheImagesOwnAxes) {
+  auto image = Solid(400, 100, kRed);
+  auto device = Bitmap::create(100, 100);
+  BitmapFocus focus(device);
+  // Stretched into 100 × 100: its columns shrink fourfold, its rows not.
+  ImageForDevice drawn = ImageForDevice::reducedFor(focus.context(), image, MakeRect(0, 0, 100, 100));
+  EXPECT_EQ(drawn.bitmap->pixelsWide(), 200);
+  EXPECT_EQ(drawn.bitmap->pixelsHigh(), 100);
+  // Turned a quarter, the same holds: the factors follow the image's axes.
+  focus.context().concat(AffineTransform::rotationDegrees(90));
+  drawn = ImageForDevice::reducedFor(focus.context(), image, MakeRect(0, 0, 100, 100));
+  EXPECT_EQ(drawn.bitmap->pixelsWide(), 200);
+  EXPECT_EQ(drawn.bitmap->pixelsHigh(), 100);
+}
+
 // --- the highlight
 
 class View : public CanvasView {
