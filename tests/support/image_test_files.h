@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>  // jpeglib.h needs FILE and size_t declared first
+#include <unistd.h>
 #include <jpeglib.h>
 #include <tiffio.h>
 
@@ -101,8 +102,10 @@ struct TiffSpec {
 };
 
 // The TIFF's bytes (written through a file, libtiff's simplest interface).
+// The file is named after `name` and this process, so that tests running in
+// parallel processes never write one file at once, and removed once read.
 inline std::vector<uint8_t> MakeTiff(const TiffSpec& spec, const std::string& name) {
-  std::string path = OutputPath("codecs/" + name + ".tiff");
+  std::string path = OutputPath("codecs/" + name + "." + std::to_string(getpid()) + ".tiff");
   TIFF* file = TIFFOpen(path.c_str(), spec.bigEndian ? "wb" : "w");
   if (!file) return {};
   TIFFSetField(file, TIFFTAG_IMAGEWIDTH, spec.width);
@@ -146,7 +149,9 @@ inline std::vector<uint8_t> MakeTiff(const TiffSpec& spec, const std::string& na
     }
   }
   TIFFClose(file);
-  return ReadFileBytes(path, uint64_t{1} << 24).value_or(std::vector<uint8_t>{});
+  std::vector<uint8_t> bytes = ReadFileBytes(path, uint64_t{1} << 24).value_or(std::vector<uint8_t>{});
+  std::remove(path.c_str());
+  return bytes;
 }
 
 // A JPEG from libjpeg itself: `color(x, row)` gives R, G, B; optionally an
