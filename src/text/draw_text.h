@@ -48,6 +48,8 @@ class DrawText : public DrawRectangle {
   void _draw() override;
   // Where the text's ink lies on the canvas; the zero rectangle without ink.
   Rect drawRect() const override;
+  // While editing, the whole box and its selection border as well.
+  Rect displayRect() const override;
   // Scaling with resizeLineWidth scales the fonts by the horizontal factor.
   void scaleBy(float sx, float sy, const Point& center, bool resizeLineWidth) override;
 

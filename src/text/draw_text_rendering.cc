@@ -154,4 +154,11 @@ Rect DrawText::drawRect() const {
   return BezierPath::withRect(ink).transformed(transform()).bounds();
 }
 
+Rect DrawText::displayRect() const {
+  const Rect display = DrawRectangle::displayRect();
+  if (!bEditting_ || !bezierPath_) return display;
+  const Rect box = RectInset(bezierPath_->bounds(), -borderLineWidth, -borderLineWidth);
+  return RectUnion(display, box);
+}
+
 }  // namespace paintdoc
