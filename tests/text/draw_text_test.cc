@@ -229,6 +229,26 @@ TEST(DrawText, PaintingPlacesInkWithOpacityAndGradient) {
   EXPECT_GT(right.blue, right.red);
 }
 
+// An inner shadow darkens the glyphs from their edges inwards and adds no
+// ink outside them.
+TEST(DrawText, InnerShadowStaysInsideTheGlyphs) {
+  auto draw = TextBox(MakeRect(0, 0, 200, 80),
+                      AttributedString::fromUTF8("MW", Style("Helvetica-Bold", 60, Color::whiteColor())));
+  const auto plain = Paint(*draw, 200, 80);
+  draw->setEnableInnerShadow(true);
+  draw->setInnerShadow(Shadow(Color::blackColor(), {0, -4}, 2));
+  const auto shaded = Paint(*draw, 200, 80);
+  int darkened = 0;
+  for (int y = 0; y < 80; ++y) {
+    for (int x = 0; x < 200; ++x) {
+      const Rgba8 before = PixelAt(*plain, x, y), after = PixelAt(*shaded, x, y);
+      EXPECT_EQ(after.alpha == 0, before.alpha == 0) << x << "," << y;
+      if (before.alpha == 255 && after.red + 40 < before.red) ++darkened;
+    }
+  }
+  EXPECT_GT(darkened, 50);
+}
+
 // A short string in DejaVu Sans (installed with the build tools), compared
 // with a reviewed rendering; the tolerance absorbs rasteriser differences.
 TEST(DrawText, ShortStringMatchesItsGoldenImage) {

@@ -272,14 +272,15 @@ Result<Size> LayoutManager::usedRectForText(const AttributedString& text) {
 }
 
 LayoutManager& SharedLayoutManager() {
-  // Never released: Pango's caches are torn down with the process.
-  thread_local LayoutManager* manager = [] {
-    auto* created = new LayoutManager;
-    created->textContainer().containerSize = MakeSize(kSharedContainerExtent, kSharedContainerExtent);
-    created->textContainer().lineFragmentPadding = kSharedLineFragmentPadding;
-    return created;
-  }();
-  return *manager;
+  // One a thread, released with its thread (Pango's contexts with it).
+  thread_local LayoutManager manager;
+  thread_local bool configured = false;
+  if (!configured) {
+    manager.textContainer().containerSize = MakeSize(kSharedContainerExtent, kSharedContainerExtent);
+    manager.textContainer().lineFragmentPadding = kSharedLineFragmentPadding;
+    configured = true;
+  }
+  return manager;
 }
 
 Result<std::shared_ptr<Bitmap>> DrawTextInBitmap(LayoutManager& manager,

@@ -90,7 +90,7 @@ class LayoutManager {
   PangoContext* aliasedContext_ = nullptr;
 };
 
-// The process's layout manager, created on first use with a 1000000 x 1000000
+// The shared layout manager, created on first use with a 1000000 x 1000000
 // container and a line fragment padding of 1. One a thread: Pango's font maps
 // are not shared between threads, and documents may render on several.
 LayoutManager& SharedLayoutManager();
