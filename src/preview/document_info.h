@@ -17,6 +17,20 @@ namespace paintdoc {
 
 struct PreviewSource;
 
+// What a text layer shows: its plain text, each font as the document names it
+// and the installed face that shows it, and the text colours, in run order.
+struct TextFontInfo {
+  std::string name;  // PostScript name as archived
+  double pointSize = 0;
+  std::string shownAs;  // installed face
+  bool fallback = false;  // no face of the family or its twins is installed
+};
+struct TextInfo {
+  std::string plainText;
+  std::vector<TextFontInfo> fonts;  // one entry a distinct name and size
+  std::vector<Color> colors;        // one entry a distinct colour
+};
+
 struct LayerInfo {
   std::string className;
   std::string title;
@@ -31,6 +45,7 @@ struct LayerInfo {
   std::optional<std::string> filterName;
   std::vector<std::pair<std::string, double>> filterSettings;
   std::vector<LayerInfo> members;  // for a group
+  std::optional<TextInfo> text;     // for a text layer
 };
 
 struct DocumentInfo {
@@ -51,8 +66,9 @@ std::string FormatDocumentInfoText(const DocumentInfo& info);
 // One JSON object with the keys "kind", "version", "width", "height",
 // "hasBackground", "maskWithBackground" and "layers" (each with "class",
 // "title", "visible", "locked", "rotation", "bounds" as [x, y, w, h],
-// "attributes" keyed by the attribute keys, "opacity", and "layers" for a
-// group's members). Colours read {"rgba": "#rrggbbaa", "colorSpace": name},
+// "attributes" keyed by the attribute keys, "opacity", "layers" for a
+// group's members, and "text" for a text layer: {"string", "fonts": [{"name",
+// "size", "shownAs", "fallback"}], "colors"}). Colours read {"rgba": "#rrggbbaa", "colorSpace": name},
 // gradients {"colorSpace", "stops": [{"location", "color"}]}, shadows
 // {"offset": [w, h], "blur", "color"}, points [x, y]. An image has "kind", "width", "height"
 // (points) and "pixelsWide", "pixelsHigh".
