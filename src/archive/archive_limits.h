@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace paintdoc {
 
@@ -11,6 +12,15 @@ struct ArchiveLimits {
   // Nesting of containers in the property list, and of archived objects
   // within each other while decoding.
   size_t maxDepth = 512;
+  // Pixels of one image decoded from the archive's image data (a bitmap
+  // representation's TIFF, PNG or JPEG bytes): 256 megapixels, a 16384 ×
+  // 16384 image. An image claiming more refuses the whole archive before its
+  // pixels are allocated.
+  uint64_t maxImagePixels = uint64_t{1} << 28;
+  // Pixels of all the images decoded from one archive together (a bitmap
+  // referenced many times counts once): a gigapixel, 4 GiB of bitmaps. The
+  // image that would pass it refuses the archive before it is decoded.
+  uint64_t maxTotalImagePixels = uint64_t{1} << 30;
 };
 
 }  // namespace paintdoc

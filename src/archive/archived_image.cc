@@ -1,6 +1,8 @@
 // NSBitmapImageRep and NSImage. A bitmap representation holds a complete TIFF
 // file ("NSTIFFRepresentation"); an image holds its size in points and its
 // representations ("NSReps": pairs of 0 and a representation).
+#include <cmath>
+
 #include "archive/archived_forms.h"
 #include "platform/values/bitmap.h"
 #include "platform/codecs/image_codecs.h"
@@ -26,18 +28,16 @@ void CollectBitmaps(const ArchiveValue& value, std::vector<std::shared_ptr<Bitma
 }  // namespace
 
 ArchiveValue ReadBitmapImageRepObject(KeyedUnarchiver& coder, std::string_view) {
+  // Bare data or a data object; TIFF as the platform writes it, or PNG and
+  // JPEG data, which the platform's reader takes under the same key.
   const auto tiff = coder.decodeDataForKey("NSTIFFRepresentation");
   if (!tiff) {
     Log("Warning: KeyedUnarchiver: a bitmap without image data reads as nil");
     return {};
   }
-  ImageResult image = ReadImage(tiff->span());
-  if (!image) {
-    Log("Warning: KeyedUnarchiver: the image data of a bitmap cannot be read (" + image.reason() +
-        "); it reads as nil");
-    return {};
-  }
-  return ArchiveValue(std::move(image->bitmap));
+  std::shared_ptr<Bitmap> bitmap = coder.decodeImageData(tiff->span(), "a bitmap");
+  if (!bitmap) return {};
+  return ArchiveValue(std::move(bitmap));
 }
 
 uint64_t WriteBitmapImageRep(ArchiveObjectWriter& writer, const Bitmap& bitmap) {
@@ -58,9 +58,19 @@ uint64_t WriteBitmapImageRep(ArchiveObjectWriter& writer, const Bitmap& bitmap) 
 ArchiveValue ReadImageObject(KeyedUnarchiver& coder, std::string_view) {
   ArchivedImage image;
   CollectBitmaps(coder.decodeValueForKey("NSReps"), image.representations);
+  const std::shared_ptr<Bitmap> first = image.firstBitmap();
   if (coder.containsValueForKey("NSSize")) {
     image.size = coder.decodeSizeForKey("NSSize");
-  } else if (auto first = image.firstBitmap()) {
+    // A representation that records no resolution of its own (its point
+    // size is its pixel size) is drawn at the image's size: that size gives
+    // it its resolution.
+    const bool sizeUsable = std::isfinite(image.size.width) && std::isfinite(image.size.height) &&
+                            image.size.width > 0 && image.size.height > 0;
+    if (first && sizeUsable && !first->isEmpty() &&
+        first->size() == MakeSize(first->pixelsWide(), first->pixelsHigh())) {
+      first->setSize(image.size);
+    }
+  } else if (first) {
     image.size = first->size();
   }
   if (coder.containsValueForKey("NSImageFlags")) {

@@ -6,6 +6,8 @@
 
 #include "archive/archived_forms.h"
 #include "archive/property_list.h"
+#include "platform/codecs/image_codecs.h"
+#include "platform/values/bitmap.h"
 #include "platform/values/log.h"
 
 namespace paintdoc {
@@ -97,6 +99,9 @@ Result<std::shared_ptr<Object>> KeyedUnarchiver::unarchiveObjectWithData(SharedB
   KeyedUnarchiver unarchiver(std::move(bytes), limits);
   if (!unarchiver.isValid()) return Failure{unarchiver.error()};
   std::shared_ptr<Object> root = unarchiver.decodeObjectForKey("root");
+  // A limit reached while decoding leaves an incomplete object graph: the
+  // archive is refused with that limit rather than read in part.
+  if (!unarchiver.isValid()) return Failure{unarchiver.error()};
   if (!root) return Failure{"the archive holds no root object"};
   return root;
 }
@@ -333,7 +338,49 @@ std::shared_ptr<Bitmap> KeyedUnarchiver::decodeBitmapForKey(std::string_view key
   const ArchiveValue value = decodeValueForKey(key);
   if (auto bitmap = value.asBitmap()) return bitmap;
   if (const auto* image = value.as<ArchivedImage>()) return image->firstBitmap();
+  if (const auto* data = value.asData()) return decodeImageData(data->span(), "image data");
   return nullptr;
+}
+
+std::shared_ptr<Bitmap> KeyedUnarchiver::decodeImageData(std::span<const uint8_t> bytes,
+                                                         std::string_view what) {
+  if (!valid_) return nullptr;
+  const uint64_t remaining = limits_.maxTotalImagePixels -
+                             std::min(imagePixelsDecoded_, limits_.maxTotalImagePixels);
+  ImageSizeRefusal refusal;
+  ImageReadOptions options;
+  options.maxPixels = std::min(limits_.maxImagePixels, remaining);
+  options.sizeRefusal = &refusal;
+  ImageResult image = ReadImage(bytes, options);
+  if (!image && refusal.refused) {
+    const std::string size = std::to_string(refusal.width) + " x " + std::to_string(refusal.height);
+    const uint64_t side = static_cast<uint64_t>(Bitmap::kMaxDimension);
+    const uint64_t pixels = refusal.width * refusal.height;
+    std::string reason;
+    if (refusal.width > side || refusal.height > side) {
+      reason = "an image in the archive has " + size + " pixels, more than " +
+               std::to_string(side) + " a side";
+    } else if (pixels > limits_.maxImagePixels) {
+      reason = "an image in the archive has " + size + " pixels, above the limit of " +
+               std::to_string(limits_.maxImagePixels) + " pixels an image";
+    } else {
+      reason = "the images in the archive have more than " +
+               std::to_string(limits_.maxTotalImagePixels) +
+               " pixels together, the limit for one archive";
+    }
+    Log("Warning: KeyedUnarchiver: " + reason);
+    fail(reason);
+    return nullptr;
+  }
+  if (!image) {
+    Log("Warning: KeyedUnarchiver: the image data of " + std::string(what) + " cannot be read (" +
+        image.reason() + "); it reads as nil");
+    return nullptr;
+  }
+  const Bitmap& bitmap = *image->bitmap;
+  imagePixelsDecoded_ +=
+      static_cast<uint64_t>(bitmap.pixelsWide()) * static_cast<uint64_t>(bitmap.pixelsHigh());
+  return std::move(image->bitmap);
 }
 
 // --- the decoder of nodes

@@ -17,6 +17,7 @@
 #include <unordered_map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -124,7 +125,8 @@ class KeyedUnarchiver {
   std::optional<Rect> decodeRectValueForKey(std::string_view key);
   // Attributed strings, mutable attributed strings and text storages.
   std::optional<AttributedString> decodeAttributedStringForKey(std::string_view key);
-  // A bitmap representation, or the first bitmap of an image.
+  // A bitmap representation, the first bitmap of an image, or image file
+  // data (bare or as a data object) decoded with decodeImageData.
   std::shared_ptr<Bitmap> decodeBitmapForKey(std::string_view key);
   std::optional<ArchivedImage> decodeImageForKey(std::string_view key);
   // Any value: numbers, strings, data, collections (elements decoded
@@ -133,6 +135,18 @@ class KeyedUnarchiver {
 
   // The property list the archive was read from (for diagnostics and tools).
   const PropertyList* propertyList() const { return plist_.get(); }
+  const ArchiveLimits& limits() const { return limits_; }
+
+  // --- image data (for the readers of archived images)
+  // Image file bytes held by the archive (TIFF, PNG, JPEG, ...) decoded into
+  // a bitmap. An image above the archive's pixel limits, alone or together
+  // with the images decoded before it, refuses the whole archive before its
+  // pixels are allocated (the archive becomes invalid and error() says which
+  // limit). Data that cannot be read is logged as a warning naming `what`
+  // and gives null; the rest of the archive still loads.
+  std::shared_ptr<Bitmap> decodeImageData(std::span<const uint8_t> bytes, std::string_view what);
+  // Pixels of the images decoded so far.
+  uint64_t imagePixelsDecoded() const { return imagePixelsDecoded_; }
 
  private:
   friend class ArchiveObjectReader;
@@ -174,6 +188,7 @@ class KeyedUnarchiver {
   std::vector<uint32_t> currentObject_;  // dictionaries being decoded, innermost last
   size_t depth_ = 0;                     // nesting of decodeNode
   uint64_t workBudget_ = 0;
+  uint64_t imagePixelsDecoded_ = 0;
   // Archived model objects and bitmaps by UID: one instance however often referenced.
   std::unordered_map<uint64_t, ArchiveValue> sharedObjects_;
   std::vector<uint64_t> underConstruction_;

@@ -21,7 +21,9 @@ struct PreviewLimits {
   // bound the layers' memory near 1.3 GB (a document of 10,000 layers holds
   // some 75,000 objects).
   ArchiveLimits archive{.maxObjects = 1'000'000, .maxDepth = 256};
-  // Pixels of a decoded image (plain image files and bitmaps in documents).
+  // Pixels of a decoded image (plain image files and bitmaps in documents:
+  // it replaces archive.maxImagePixels). The pixels of all the bitmaps of a
+  // document together keep to archive.maxTotalImagePixels.
   uint64_t maxImagePixels = kDefaultMaxImagePixels;
 };
 

@@ -38,8 +38,11 @@ PreviewSource ReadCanvas(KeyedUnarchiver& container, int64_t version,
   if (!paintData) return Refused(PreviewStatus::NotACanvas, "\"PaintData\" holds no data");
 
   RegisterAllClasses();
+  // Bitmaps in documents keep to the same pixel limit as plain images.
+  ArchiveLimits archiveLimits = limits.archive;
+  archiveLimits.maxImagePixels = limits.maxImagePixels;
   Result<std::shared_ptr<Object>> root =
-      KeyedUnarchiver::unarchiveObjectWithData(std::move(*paintData), limits.archive);
+      KeyedUnarchiver::unarchiveObjectWithData(std::move(*paintData), archiveLimits);
   if (!root) {
     return Refused(PreviewStatus::NotACanvas,
                    "the document's canvas archive is unreadable: " + root.reason());

@@ -13,6 +13,7 @@ import json
 import plistlib
 import struct
 import sys
+import zlib
 from plistlib import UID
 
 
@@ -162,6 +163,126 @@ def container(paint_data, version=10, resolution=True, fmt=plistlib.FMT_BINARY):
     return a.bytes(top, fmt)
 
 
+# --- image layers: the bitmap forms the platform writes, built by hand
+
+def tiff(width, height, pixels, big_endian=True, dpi=None, claim=None):
+    """An uncompressed, chunky RGBA TIFF with associated (premultiplied) alpha,
+    one row a strip, as the platform writes it. `pixels(x, y)` gives straight
+    (r, g, b, a) with y the row from the top. `claim` = (width, height) writes
+    a directory claiming that size over the same few bytes of pixels."""
+    e = ">" if big_endian else "<"
+    rows = []
+    for y in range(height):
+        row = b""
+        for x in range(width):
+            r, g, b, a = pixels(x, y)
+            row += bytes((r * a + 127) // 255 for r in (r, g, b)) + bytes((a,))
+        rows.append(row)
+    claimed_w, claimed_h = claim or (width, height)
+    data_start = 8
+    offsets, at = [], data_start
+    for row in rows:
+        offsets.append(at)
+        at += len(row)
+    if claim:
+        offsets = [data_start] * claimed_h
+        counts = [len(rows[0])] * claimed_h
+    else:
+        counts = [len(row) for row in rows]
+    short, long_, rational = 3, 4, 5
+    entries = [
+        (256, long_, [claimed_w]), (257, long_, [claimed_h]), (258, short, [8, 8, 8, 8]),
+        (259, short, [1]), (262, short, [2]), (266, short, [1]), (273, long_, offsets),
+        (274, short, [1]), (277, short, [4]), (278, long_, [1]), (279, long_, counts),
+        (284, short, [1]), (296, short, [2]), (338, short, [1]), (339, short, [1, 1, 1, 1]),
+    ]
+    if dpi:
+        entries += [(282, rational, [(dpi, 1)]), (283, rational, [(dpi, 1)])]
+    entries.sort()
+    pixel_data = b"".join(rows)
+    extra_start = data_start + len(pixel_data)
+    extra = b""
+    fields = []
+    for tag, kind, values in entries:
+        if kind == short:
+            packed = b"".join(struct.pack(e + "H", v) for v in values)
+        elif kind == long_:
+            packed = b"".join(struct.pack(e + "I", v) for v in values)
+        else:
+            packed = b"".join(struct.pack(e + "II", n, d) for n, d in values)
+        if len(packed) <= 4:
+            value = packed.ljust(4, b"\0")
+        else:
+            value = struct.pack(e + "I", extra_start + len(extra))
+            extra += packed
+        fields.append(struct.pack(e + "HHI", tag, kind, len(values)) + value)
+    directory = extra_start + len(extra)
+    directory += directory % 2
+    header = (b"MM" if big_endian else b"II") + struct.pack(e + "HI", 42, directory)
+    body = header + pixel_data + extra
+    body = body.ljust(directory, b"\0")
+    return (body + struct.pack(e + "H", len(fields)) + b"".join(fields) +
+            struct.pack(e + "I", 0))
+
+
+def png(width, height, pixels):
+    """An 8-bit RGBA PNG of straight colours (zlib and struct only)."""
+    def chunk(kind, data):
+        return (struct.pack(">I", len(data)) + kind + data +
+                struct.pack(">I", zlib.crc32(kind + data) & 0xFFFFFFFF))
+    raw = b"".join(b"\0" + b"".join(bytes(pixels(x, y)) for x in range(width))
+                   for y in range(height))
+    return (b"\x89PNG\r\n\x1a\n" +
+            chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)) +
+            chunk(b"IDAT", zlib.compress(raw)) + chunk(b"IEND", b""))
+
+
+IMAGE = ("DrawImage",) + RECTANGLE
+BITMAP_REP = ("NSBitmapImageRep", "NSImageRep", "NSObject")
+
+
+def background_pixels(x, y):
+    return (x * 6, y * 8, 200, 255)
+
+
+def layer_pixels(x, y):
+    return (255, 0, 0, 255) if x < 4 else (0, 0, 255, 128)
+
+
+def image_canvas(claim=None):
+    a = Archive()
+
+    def bitmap_rep(data):
+        return a.instance(BITMAP_REP, {"NSTIFFRepresentation": a.add(data),
+                                       "NSInternalLayoutDirection": 0})
+
+    def layer(bounds, image, opacity=None):
+        fields = {"BezierPath": a.rect_path(*bounds, line_width=1.0), "EnableStroke": False,
+                  "EnableFill": True, "Image": image}
+        if opacity is not None:
+            fields["Opacity"] = opacity
+        return a.instance(IMAGE, fields)
+
+    background = layer((0, 0, 40, 30), bitmap_rep(
+        tiff(40, 30, background_pixels, claim=claim)), 1.0)
+    clear = a.instance(("NSColor", "NSObject"), {"NSColorSpace": 3, "NSWhite": b"0 0\0"})
+    wrapped = a.instance(("NSImage", "NSObject"), {
+        "NSReps": a.instance(("NSMutableArray", "NSArray", "NSObject"), {
+            "NS.objects": [a.add([0, bitmap_rep(png(8, 6, layer_pixels))])]}),
+        "NSSize": a.add("{8, 6}"), "NSColor": clear, "NSImageFlags": 0x20C00000,
+        "NSResizingMode": 0})
+    faded = layer((10, 10, 16, 12), wrapped, 0.5)
+    retina = layer((30, 2, 4, 4), bitmap_rep(
+        tiff(4, 4, lambda x, y: (0, 255, 0, 255), big_endian=False, dpi=144)))
+    root = a.instance(("PaintManager", "NSObject"), {
+        "CanvasSize": a.add("{40, 30}"),
+        "DrawsArray": a.array([background, faded, retina]),
+        "HasBackground": True,
+        "MaskWithBackground": False,
+    })
+    return a.bytes({"root": root})
+
+
 SCENARIOS = {
     "document": lambda: container(canvas_archive()),
     "document-xml": lambda: container(canvas_archive(fmt=plistlib.FMT_XML), fmt=plistlib.FMT_XML),
@@ -170,6 +291,8 @@ SCENARIOS = {
     "no-resolution": lambda: container(canvas_archive(), resolution=False),
     "root-not-canvas": lambda: container(canvas_archive(root_is_canvas=False)),
     "root-past-objects": lambda: container(Archive().bytes({"root": plistlib.UID(27)})),
+    "images": lambda: container(image_canvas()),
+    "image-claiming-60000": lambda: container(image_canvas(claim=(60000, 60000))),
 }
 
 

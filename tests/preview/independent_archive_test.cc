@@ -7,6 +7,7 @@
 #include "document/register_all_classes.h"
 #include "draws/draw_group.h"
 #include "draws/draw_rectangle.h"
+#include "raster/draw_image.h"
 #include "platform/values/file_bytes.h"
 #include "platform/values/log.h"
 #include "preview/document_container.h"
@@ -91,6 +92,59 @@ TEST(IndependentContainer, VersionResolutionAndRootAreCheckedAsWritten) {
   EXPECT_EQ(ReadScenario("root-not-canvas").status, PreviewStatus::NotACanvas);
 }
 
+// Image layers in the forms the platform writes: a big-endian, uncompressed,
+// premultiplied RGBA TIFF of one row a strip, an image wrapping PNG data, a
+// little-endian TIFF at 144 dots an inch, and an opacity left out.
+TEST(IndependentDocument, ImageLayersDecodeFromEveryArchivedForm) {
+  const PreviewSource source = ReadScenario("images");
+  ASSERT_EQ(source.status, PreviewStatus::Document) << source.diagnosis;
+  const PaintManager& canvas = *source.canvas;
+  ASSERT_EQ(canvas.allDraws().size(), 3u);
+  ASSERT_EQ(canvas.allDraws()[0], canvas.backgroundDraw());
+  std::vector<const DrawImage*> layers;
+  for (const auto& draw : canvas.allDraws()) {
+    layers.push_back(dynamic_cast<const DrawImage*>(draw.get()));
+    ASSERT_TRUE(layers.back());
+    ASSERT_TRUE(layers.back()->image());
+    EXPECT_EQ(layers.back()->bezierPath()->lineWidth(), 0);
+  }
+  const Bitmap& background = *layers[0]->image();
+  EXPECT_EQ(background.size(), (Size{40, 30}));
+  for (int y = 0; y < 30; y += 7) {
+    for (int x = 0; x < 40; x += 9) {
+      EXPECT_EQ(background.pixelAt(x, y),
+                (Rgba8{uint8_t(x * 6), uint8_t(y * 8), 200, 255})) << x << ", " << y;
+    }
+  }
+  const Bitmap& wrapped = *layers[1]->image();
+  EXPECT_EQ(layers[1]->opacity(), 0.5f);
+  EXPECT_EQ(wrapped.size(), (Size{8, 6}));
+  EXPECT_EQ(wrapped.pixelAt(0, 0), (Rgba8{255, 0, 0, 255}));
+  EXPECT_EQ(wrapped.pixelAt(7, 5), (Rgba8{0, 0, 128, 128}));
+  EXPECT_EQ(layers[2]->opacity(), 1.0f);
+  EXPECT_EQ(layers[2]->image()->pixelsWide(), 4);
+  EXPECT_EQ(layers[2]->image()->size(), (Size{2, 2}));
+
+  // Composed: the red half of the faded layer lies over the background at
+  // half opacity (its image stretched from 8 × 6 to 16 × 12 at 10, 10).
+  const auto picture = source.canvas->image();
+  const Rgba8 below = background.pixelAt(12, 30 - 1 - 12);
+  const Rgba8 composed = picture->pixelAt(12, 30 - 1 - 12);
+  EXPECT_NEAR(composed.red, (255 + below.red) / 2.0, 1.5);
+  EXPECT_NEAR(composed.blue, below.blue / 2.0, 1.5);
+  EXPECT_EQ(picture->pixelAt(31, 30 - 1 - 3), (Rgba8{0, 255, 0, 255}));
+}
+
+TEST(IndependentDocument, AnImageClaimingTooManyPixelsRefusesTheDocument) {
+  LogCapture log;
+  const PreviewSource source = ReadScenario("image-claiming-60000");
+  EXPECT_EQ(source.status, PreviewStatus::NotACanvas);
+  EXPECT_NE(source.diagnosis.find("an image in the archive has 60000 x 60000 pixels, more than "
+                                  "32767 a side"),
+            std::string::npos)
+      << source.diagnosis;
+}
+
 TEST(IndependentReader, ReadsTheContainerAndClassesThisLibraryWrites) {
   RegisterAllClasses();
   auto canvas = PaintManager::withSize({50, 40});
@@ -98,7 +152,9 @@ TEST(IndependentReader, ReadsTheContainerAndClassesThisLibraryWrites) {
   rectangle->setLayerTitle("R");
   auto group = MakeDraw<DrawGroup>();
   group->setDraws({MakeDraw<DrawEllipse>()});
-  canvas->allDraws() = {rectangle, group};
+  auto layer = DrawImage::withImage(Bitmap::create(3, 2));
+  layer->setOpacity(0.5f);
+  canvas->allDraws() = {rectangle, group, layer};
   const std::string path = test::OutputPath("independent/written-here.paintdoc");
   ASSERT_TRUE(WriteFileBytes(path, WriteDocumentContainer(*canvas)));
 
@@ -109,7 +165,9 @@ TEST(IndependentReader, ReadsTheContainerAndClassesThisLibraryWrites) {
         R"(["DrawEllipse", ["DrawEllipse", "DrawRectangle", "DrawBase", "NSObject"]])",
         R"(["PaintManager", ["PaintManager", "NSObject"]])", R"("CanvasSize": "{50, 40}")",
         R"("HasBackground": false)", R"("LayerTitle": "R")", R"("$class": "NSMutableArray")",
-        R"("Draws": {"$class": "NSMutableArray")"}) {
+        R"("Draws": {"$class": "NSMutableArray")",
+        R"("Image": {"$class": "NSBitmapImageRep", "NSInternalLayoutDirection": 0, "NSTIFFRepresentation": {"$bytes": )",
+        R"("Opacity": 0.5)"}) {
     EXPECT_NE(dump.find(fragment), std::string::npos) << fragment << "\n" << dump;
   }
 }

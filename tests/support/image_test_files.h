@@ -92,6 +92,10 @@ struct TiffSpec {
   std::vector<uint16_t> extraSamples;
   std::vector<uint16_t> colormap;  // red, green, blue tables, for palette images
   uint16_t compression = COMPRESSION_NONE;
+  uint16_t predictor = 0;      // 0: no Predictor tag
+  uint32_t rowsPerStrip = 0;   // 0: one strip for the whole image
+  bool bigEndian = false;      // "MM", as the platform writes, else native order
+  float dotsPerInch = 0;       // 0: no resolution tags
   std::vector<uint8_t> samples;
   std::vector<uint8_t> iccProfile;
 };
@@ -99,7 +103,7 @@ struct TiffSpec {
 // The TIFF's bytes (written through a file, libtiff's simplest interface).
 inline std::vector<uint8_t> MakeTiff(const TiffSpec& spec, const std::string& name) {
   std::string path = OutputPath("codecs/" + name + ".tiff");
-  TIFF* file = TIFFOpen(path.c_str(), "w");
+  TIFF* file = TIFFOpen(path.c_str(), spec.bigEndian ? "wb" : "w");
   if (!file) return {};
   TIFFSetField(file, TIFFTAG_IMAGEWIDTH, spec.width);
   TIFFSetField(file, TIFFTAG_IMAGELENGTH, spec.height);
@@ -109,7 +113,13 @@ inline std::vector<uint8_t> MakeTiff(const TiffSpec& spec, const std::string& na
   TIFFSetField(file, TIFFTAG_PHOTOMETRIC, spec.photometric);
   TIFFSetField(file, TIFFTAG_PLANARCONFIG, spec.planar);
   TIFFSetField(file, TIFFTAG_COMPRESSION, spec.compression);
-  TIFFSetField(file, TIFFTAG_ROWSPERSTRIP, spec.height);
+  TIFFSetField(file, TIFFTAG_ROWSPERSTRIP, spec.rowsPerStrip ? spec.rowsPerStrip : spec.height);
+  if (spec.predictor) TIFFSetField(file, TIFFTAG_PREDICTOR, spec.predictor);
+  if (spec.dotsPerInch > 0) {
+    TIFFSetField(file, TIFFTAG_XRESOLUTION, spec.dotsPerInch);
+    TIFFSetField(file, TIFFTAG_YRESOLUTION, spec.dotsPerInch);
+    TIFFSetField(file, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+  }
   if (!spec.extraSamples.empty()) {
     TIFFSetField(file, TIFFTAG_EXTRASAMPLES, static_cast<uint16_t>(spec.extraSamples.size()),
                  spec.extraSamples.data());

@@ -29,6 +29,13 @@ ImageFormat DetectImageFormat(std::span<const uint8_t> bytes);
 // 256 megapixels (2^28 pixels: a 16384 × 16384 image just fits).
 inline constexpr uint64_t kDefaultMaxImagePixels = uint64_t{1} << 28;
 
+// A reader's record of an image it refused for its size before decoding a
+// pixel: a side above what a Bitmap can hold, or more pixels than allowed.
+struct ImageSizeRefusal {
+  bool refused = false;
+  uint64_t width = 0, height = 0;  // as the image claims them
+};
+
 struct ImageReadOptions {
   // Images with more pixels than this (width × height, for GIF the logical
   // screen) are refused before their pixels are decoded.
@@ -41,6 +48,9 @@ struct ImageReadOptions {
   // fewer than the image fitted into that square needs; the bitmap keeps the
   // full image's point size, so it draws at the same size.
   int shrinkToFit = 0;
+  // When set, a reader that refuses the image for its size records it here,
+  // so that a caller can tell a limit that was reached from damaged data.
+  ImageSizeRefusal* sizeRefusal = nullptr;
 };
 
 // A decoded image: its bitmap and the format it was read from. Readers answer

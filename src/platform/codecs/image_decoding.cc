@@ -9,14 +9,18 @@ namespace paintdoc::image_decoding {
 std::string CheckImageSize(uint64_t width, uint64_t height, const ImageReadOptions& options) {
   std::string size = std::to_string(width) + " x " + std::to_string(height);
   if (width == 0 || height == 0) return "image has no pixels (" + size + ")";
+  auto refuse = [&](std::string reason) {
+    if (options.sizeRefusal) *options.sizeRefusal = {true, width, height};
+    return reason;
+  };
   if (width > static_cast<uint64_t>(Bitmap::kMaxDimension) ||
       height > static_cast<uint64_t>(Bitmap::kMaxDimension)) {
-    return "image of " + size + " pixels is too large (at most " +
-           std::to_string(Bitmap::kMaxDimension) + " pixels a side)";
+    return refuse("image of " + size + " pixels is too large (at most " +
+                  std::to_string(Bitmap::kMaxDimension) + " pixels a side)");
   }
   if (width * height > options.maxPixels) {
-    return "image of " + size + " pixels is above the limit of " +
-           std::to_string(options.maxPixels) + " pixels";
+    return refuse("image of " + size + " pixels is above the limit of " +
+                  std::to_string(options.maxPixels) + " pixels");
   }
   return {};
 }

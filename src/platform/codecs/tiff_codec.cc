@@ -5,6 +5,7 @@
 // samples, which it refuses or misreads: those are read scanline by scanline.
 #include <tiffio.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -118,37 +119,77 @@ void ApplyTiffResolution(TIFF* tiff, Bitmap& bitmap) {
   image_decoding::ApplyResolution(bitmap, xResolution * scale, yResolution * scale);
 }
 
-// The RGBA interface writes packed 32-bit words R | G << 8 | B << 16 | A << 24,
-// premultiplied, top row first when asked for ORIENTATION_TOPLEFT.
-void StoreTiffRaster(const std::vector<uint32_t>& raster, Bitmap& bitmap) {
-  std::vector<uint8_t> row(bitmap.bytesPerRow());
-  size_t width = static_cast<size_t>(bitmap.pixelsWide());
-  for (int y = 0; y < bitmap.pixelsHigh(); ++y) {
-    const uint32_t* words = raster.data() + width * static_cast<size_t>(y);
-    for (size_t x = 0; x < width; ++x) {
-      row[x * 4 + 0] = static_cast<uint8_t>(TIFFGetR(words[x]));
-      row[x * 4 + 1] = static_cast<uint8_t>(TIFFGetG(words[x]));
-      row[x * 4 + 2] = static_cast<uint8_t>(TIFFGetB(words[x]));
-      row[x * 4 + 3] = static_cast<uint8_t>(TIFFGetA(words[x]));
-    }
-    bitmap.writeRGBARow(y, row.data(), AlphaMode::Premultiplied);
-  }
-}
-
 constexpr tmsize_t kMaxTiffAllocation = tmsize_t{256} << 20;
 
-// Fills `bitmap` through the RGBA interface; the reason on failure.
+// Every strip (or tile) must lie within the data, and an uncompressed one
+// must hold all of its rows: a file whose pixel data is cut short or points
+// past its end is refused before any pixel memory is taken. The reason, or "".
+std::string CheckTiffStriles(TIFF* tiff, uint64_t dataSize, uint32_t height) {
+  const bool tiled = TIFFIsTiled(tiff) != 0;
+  const uint32_t count = tiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+  const char* kind = tiled ? "tile" : "strip";
+  if (count == 0) return std::string("malformed data (no ") + kind + "s)";
+  uint16_t compression = COMPRESSION_NONE;
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &compression);
+  uint32_t rowsPerStrip = height;
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
+  rowsPerStrip = std::clamp<uint32_t>(rowsPerStrip, 1, std::max<uint32_t>(height, 1));
+  const uint32_t stripsPerPlane = (height + rowsPerStrip - 1) / rowsPerStrip;
+  for (uint32_t strile = 0; strile < count; ++strile) {
+    int offsetError = 0, countError = 0;
+    const uint64_t offset = TIFFGetStrileOffsetWithErr(tiff, strile, &offsetError);
+    const uint64_t bytes = TIFFGetStrileByteCountWithErr(tiff, strile, &countError);
+    const std::string which = std::string(kind) + " " + std::to_string(strile + 1) + " of " +
+                              std::to_string(count);
+    if (offsetError || countError) return "malformed data (" + which + " cannot be located)";
+    if (offset > dataSize || bytes > dataSize - offset) {
+      return "malformed data (" + which + " ends past the end of the data: " +
+             std::to_string(bytes) + " bytes at offset " + std::to_string(offset) + " in " +
+             std::to_string(dataSize) + ")";
+    }
+    if (compression != COMPRESSION_NONE) continue;
+    uint64_t needed = 0;
+    if (tiled) {
+      needed = static_cast<uint64_t>(TIFFTileSize64(tiff));
+    } else {
+      const uint32_t firstRow = (strile % std::max<uint32_t>(stripsPerPlane, 1)) * rowsPerStrip;
+      const uint32_t rows = firstRow < height ? std::min(rowsPerStrip, height - firstRow) : 0;
+      needed = static_cast<uint64_t>(TIFFVStripSize64(tiff, rows));
+    }
+    if (bytes < needed) {
+      return "malformed data (" + which + " is truncated: " + std::to_string(bytes) +
+             " bytes of " + std::to_string(needed) + ")";
+    }
+  }
+  return {};
+}
+
+// Fills `bitmap` through the RGBA interface; the reason on failure. The
+// interface writes packed 32-bit words R | G << 8 | B << 16 | A << 24,
+// premultiplied, top row first when asked for ORIENTATION_TOPLEFT. They are
+// written straight into the bitmap's own memory (its rows are packed, 4
+// bytes a pixel) and turned into its pixel order row by row, so the image is
+// held only once.
 std::string ReadThroughRgbaInterface(TIFF* tiff, const MemoryStream& stream, Bitmap& bitmap) {
   char why[1024] = {};
   if (!TIFFRGBAImageOK(tiff, why)) return std::string("unsupported layout (") + why + ")";
   const auto width = static_cast<uint32_t>(bitmap.pixelsWide());
   const auto height = static_cast<uint32_t>(bitmap.pixelsHigh());
-  std::vector<uint32_t> raster(static_cast<size_t>(width) * height);
-  if (!TIFFReadRGBAImageOriented(tiff, width, height, raster.data(), ORIENTATION_TOPLEFT,
+  static_assert(Bitmap::kBytesPerPixel == sizeof(uint32_t));
+  auto* raster = reinterpret_cast<uint32_t*>(bitmap.data());
+  if (!TIFFReadRGBAImageOriented(tiff, width, height, raster, ORIENTATION_TOPLEFT,
                                  /*stop_on_error=*/1)) {
+    bitmap.clear();
     return TiffReason(stream, "could not decode the pixels");
   }
-  StoreTiffRaster(raster, bitmap);
+  for (uint32_t y = 0; y < height; ++y) {
+    uint8_t* row = bitmap.rowAt(static_cast<int>(y));
+    if constexpr (!Bitmap::kLittleEndian) {
+      // The words' bytes in memory are A, B, G, R here: put R first.
+      for (uint32_t x = 0; x < width; ++x) std::reverse(row + 4 * x, row + 4 * x + 4);
+    }
+    bitmap.writeRGBARow(static_cast<int>(y), row, AlphaMode::Premultiplied);
+  }
   return {};
 }
 
@@ -174,6 +215,8 @@ ImageResult ReadTIFF(std::span<const uint8_t> bytes, const ImageReadOptions& opt
   TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
   std::string sizeError = image_decoding::CheckImageSize(width, height, options);
   if (!sizeError.empty()) return Refused(ImageFormat::TIFF, sizeError);
+  std::string strileError = CheckTiffStriles(tiff.get(), bytes.size(), height);
+  if (!strileError.empty()) return Refused(ImageFormat::TIFF, strileError);
   auto bitmap = Bitmap::create(static_cast<int>(width), static_cast<int>(height));
   if (!bitmap) return Refused(ImageFormat::TIFF, "out of memory");
   std::string error = NeedsTiffSampleReader(tiff.get())

@@ -35,6 +35,12 @@ double ReadDouble(const uint8_t* p) {
   std::memcpy(&value, p, sizeof value);
   return value;
 }
+double ReadUInt8(const uint8_t* p) { return *p / 255.0; }
+double ReadUInt16(const uint8_t* p) {
+  uint16_t value;
+  std::memcpy(&value, p, sizeof value);
+  return value / 65535.0;
+}
 double ReadUInt32(const uint8_t* p) {
   uint32_t value;
   std::memcpy(&value, p, sizeof value);
@@ -64,7 +70,8 @@ SampleReader ReaderFor(uint16_t format, uint16_t bits) {
   if (format == SAMPLEFORMAT_IEEEFP) {
     return bits == 16 ? ReadHalf : bits == 32 ? ReadFloat : bits == 64 ? ReadDouble : nullptr;
   }
-  return format == SAMPLEFORMAT_UINT && bits == 32 ? ReadUInt32 : nullptr;
+  if (format != SAMPLEFORMAT_UINT) return nullptr;
+  return bits == 8 ? ReadUInt8 : bits == 16 ? ReadUInt16 : bits == 32 ? ReadUInt32 : nullptr;
 }
 
 // Reads the layout's tags; the reason the layout cannot be read, else "".
@@ -128,10 +135,18 @@ void PlaceSample(const SampleLayout& layout, uint16_t sample, uint8_t value, uin
 }  // namespace
 
 bool NeedsTiffSampleReader(TIFF* tiff) {
-  uint16_t format = SAMPLEFORMAT_UINT, bits = 1;
+  uint16_t format = SAMPLEFORMAT_UINT, bits = 1, photometric = 0, samples = 1;
   TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &format);
   TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
-  return format == SAMPLEFORMAT_IEEEFP || (format == SAMPLEFORMAT_UINT && bits == 32);
+  if (format == SAMPLEFORMAT_IEEEFP || (format == SAMPLEFORMAT_UINT && bits == 32)) return true;
+  // Grey with an extra sample: the RGBA interface drops the alpha of 16-bit
+  // samples and does not premultiply unassociated 8-bit alpha.
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
+  const bool grey = TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric) &&
+                    (photometric == PHOTOMETRIC_MINISBLACK || photometric == PHOTOMETRIC_MINISWHITE);
+  // (Tiles stay with the RGBA interface, which reads them.)
+  return grey && samples > 1 && format == SAMPLEFORMAT_UINT && (bits == 8 || bits == 16) &&
+         !TIFFIsTiled(tiff);
 }
 
 std::string ReadTiffSamples(TIFF* tiff, Bitmap& bitmap, const std::string& libraryError) {
