@@ -33,6 +33,11 @@ class DrawFill : public DrawBase {
   bool hasBorder() const override { return true; }
   bool hasControlKnob() const override { return false; }
   bool acceptMouseMoveEventWhenInitDraw() const override { return false; }
+  // Only a rectangle fill turns by any angle; a mask or its runs turn by
+  // quarter turns only.
+  bool canBeRotatedFreely() const override {
+    return fillType_ == kFillTypeRect && DrawBase::canBeRotatedFreely();
+  }
 
   void encodeWithCoder(KeyedArchiver& coder) const override;
   bool initWithCoder(KeyedUnarchiver& coder) override;
