@@ -1,12 +1,16 @@
 #include "example_documents.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "document/paint_manager.h"
 #include "draws/draw_group.h"
 #include "draws/draw_lines.h"
 #include "draws/draw_rectangle.h"
 #include "platform/values/bezier_path.h"
+#include "platform/values/bitmap.h"
+#include "raster/draw_image.h"
 #include "shapes/draw_shapes.h"
 #include "text/draw_text.h"
 
@@ -348,10 +352,89 @@ ExampleDocument Texts() {
   return {"text", canvas};
 }
 
+
+// ---- Image layers and a masked background ----
+
+// A bitmap whose pixel (x, y) (y from the top row) is `pixel(x, y)`, given
+// with straight alpha.
+template <class Pixel>
+std::shared_ptr<Bitmap> Pixels(int width, int height, Pixel pixel) {
+  std::vector<uint8_t> rgba(static_cast<size_t>(width) * height * 4);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const Rgba8 c = pixel(x, y);
+      uint8_t* p = &rgba[(static_cast<size_t>(y) * width + x) * 4];
+      p[0] = c.red, p[1] = c.green, p[2] = c.blue, p[3] = c.alpha;
+    }
+  }
+  return Bitmap::fromRGBA(width, height, rgba.data(), static_cast<size_t>(width) * 4,
+                          AlphaMode::Straight);
+}
+
+uint8_t Channel(double value) {
+  return static_cast<uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
+}
+
+// A background that masks the picture: a sunset sky with round corners (its
+// corners are transparent, so everything above is cut to the rounded card),
+// under image layers at half opacity, turned with a drop shadow, and a
+// cut-out whose inner shadow falls into its transparent parts.
+ExampleDocument Images() {
+  constexpr int kWidth = 640, kHeight = 420;
+  auto canvas = PaintManager::withSize({kWidth, kHeight});
+  canvas->setBackgroundImage(Pixels(kWidth, kHeight, [](int x, int y) {
+    constexpr double kRadius = 48;
+    const double dx = std::max({kRadius - x - 0.5, x + 0.5 - (kWidth - kRadius), 0.0});
+    const double dy = std::max({kRadius - y - 0.5, y + 0.5 - (kHeight - kRadius), 0.0});
+    const double edge = kRadius - std::hypot(dx, dy);
+    const double t = static_cast<double>(y) / kHeight;
+    return Rgba8{Channel(0.25 + 0.7 * t), Channel(0.35 + 0.3 * t), Channel(0.75 - 0.4 * t),
+                 Channel(edge + 0.5)};
+  }));
+  canvas->setMaskBackground(true);
+
+  // A sun of concentric rings at half opacity, stretched to twice its size.
+  auto sun = DrawImage::withImage(Pixels(90, 90, [](int x, int y) {
+    const double r = std::hypot(x - 44.5, y - 44.5);
+    const bool ring = static_cast<int>(r / 6) % 2 == 0;
+    return r > 45 ? Rgba8{} : ring ? Rgba8{255, 220, 60, 255} : Rgba8{255, 150, 40, 255};
+  }));
+  sun->setBezierPathWithBounds(MakeRect(60, 180, 180, 180));
+  sun->setOpacity(0.5f);
+  sun->setLayerTitle("Sun");
+  canvas->addDraw(sun);
+
+  // A striped card, turned and casting a shadow.
+  auto card = DrawImage::withImage(Pixels(120, 80, [](int x, int y) {
+    return (x / 10 + y / 10) % 2 ? Rgba8{245, 245, 250, 255} : Rgba8{40, 110, 200, 255};
+  }));
+  card->setBezierPathWithBounds(MakeRect(300, 200, 240, 160));
+  card->setRotateDegree(-12);
+  card->setEnableShadow(true);
+  card->setShadow(Shadow(Color::calibratedWhite(0, 0.55), {10, -10}, 12));
+  card->setLayerTitle("Card");
+  canvas->addDraw(card);
+
+  // A cut-out: an opaque diamond in a transparent frame; the inner shadow
+  // falls into the transparent part, as if the diamond and the frame stood out.
+  auto cutout = DrawImage::withImage(Pixels(100, 100, [](int x, int y) {
+    const bool diamond = std::abs(x - 49.5) + std::abs(y - 49.5) < 35;
+    return diamond ? Rgba8{200, 40, 90, 255} : Rgba8{};
+  }));
+  cutout->setBezierPathWithBounds(MakeRect(420, 40, 160, 160));
+  cutout->setEnableInnerShadow(true);
+  cutout->setInnerShadow(Shadow(Color::calibratedWhite(0.1, 0.8), {6, -6}, 6));
+  cutout->setLayerTitle("Cut-out");
+  canvas->addDraw(cutout);
+  return {"images", canvas};
+}
+
+// ---- end of image layers ----
+
 }  // namespace
 
 std::vector<ExampleDocument> MakeExampleDocuments() {
-  return {Shapes(), Layers(), Effects(), ShapeSheet(), Texts()};
+  return {Shapes(), Layers(), Effects(), ShapeSheet(), Texts(), Images()};
 }
 
 }  // namespace paintdoc

@@ -21,6 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   limits.maxCanvasPixels = 1 << 20;
   limits.maxImagePixels = 1 << 20;
   limits.archive.maxObjects = 100000;
+  limits.archive.maxTotalImagePixels = 1 << 22;
 
   const auto kind = size % 2 ? paintdoc::PreviewKind::Thumbnail : paintdoc::PreviewKind::Preview;
   const paintdoc::PreviewSource source = paintdoc::ReadPreviewSourceFromBytes(

@@ -338,7 +338,9 @@ std::shared_ptr<Bitmap> KeyedUnarchiver::decodeBitmapForKey(std::string_view key
   const ArchiveValue value = decodeValueForKey(key);
   if (auto bitmap = value.asBitmap()) return bitmap;
   if (const auto* image = value.as<ArchivedImage>()) return image->firstBitmap();
-  if (const auto* data = value.asData()) return decodeImageData(data->span(), "image data");
+  if (const auto* data = value.asData()) {
+    return decodeImageData(data->span(), "the value under \"" + std::string(key) + "\"");
+  }
   return nullptr;
 }
 

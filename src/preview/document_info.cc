@@ -49,6 +49,10 @@ LayerInfo DescribeDraw(const DrawBase& draw, int depth = 0) {
   layer.bounds = draw.pathBounds();
   layer.attributes = draw.drawAttributes();
   layer.opacity = draw.opacity();
+  if (const auto* image = dynamic_cast<const DrawImage*>(&draw)) {
+    const Bitmap* pixels = image->image().get();
+    layer.imagePixels = pixels ? PixelSize{pixels->pixelsWide(), pixels->pixelsHigh()} : PixelSize{};
+  }
   if (const auto* filter = dynamic_cast<const DrawFilter*>(&draw)) {
     layer.filterName = std::string(filter->filterName());
     if (filter->filterSettings()) {
@@ -196,6 +200,10 @@ void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
            JsonNumber(layer.bounds.size.height) + "]";
     out += ",\"attributes\":" + JsonAttributes(layer.attributes);
     out += ",\"opacity\":" + JsonFloat(layer.opacity);
+    if (layer.imagePixels) {
+      out += ",\"image\":{\"pixelsWide\":" + std::to_string(layer.imagePixels->width) +
+             ",\"pixelsHigh\":" + std::to_string(layer.imagePixels->height) + "}";
+    }
     if (layer.filterName) {
       out += ",\"filter\":{\"name\":" + JsonString(*layer.filterName) + ",\"settings\":{";
       for (size_t k = 0; k < layer.filterSettings.size(); ++k) {
@@ -235,6 +243,12 @@ void AppendLayersText(std::string& out, const std::vector<LayerInfo>& layers, in
     out += " rotation " + TextNumber(layer.rotation);
     out += " bounds " + TextRect(layer.bounds);
     if (layer.isGroup) out += " (" + std::to_string(layer.members.size()) + " members)";
+    if (layer.imagePixels) {
+      out += layer.imagePixels->width == 0 ? std::string(" image none")
+                                           : " image " + std::to_string(layer.imagePixels->width) +
+                                                 " x " + std::to_string(layer.imagePixels->height) +
+                                                 " pixels opacity " + TextNumber(layer.opacity);
+    }
     if (layer.filterName) {
       out += " filter \"" + *layer.filterName + "\"";
       for (const auto& [key, value] : layer.filterSettings) out += " " + key + " " + TextNumber(value);

@@ -12,6 +12,7 @@
 
 #include "draws/draw_attributes.h"
 #include "platform/values/geometry.h"
+#include "preview/bitmap_scaling.h"
 
 namespace paintdoc {
 
@@ -44,6 +45,9 @@ struct LayerInfo {
   // For a filter layer: its effect's display name and current settings.
   std::optional<std::string> filterName;
   std::vector<std::pair<std::string, double>> filterSettings;
+  // For an image layer (filter layers too): the pixel size of its stored
+  // bitmap, 0 × 0 when it has none (its data was missing or unreadable).
+  std::optional<PixelSize> imagePixels;
   std::vector<LayerInfo> members;  // for a group
   std::optional<TextInfo> text;     // for a text layer
 };
@@ -66,8 +70,9 @@ std::string FormatDocumentInfoText(const DocumentInfo& info);
 // One JSON object with the keys "kind", "version", "width", "height",
 // "hasBackground", "maskWithBackground" and "layers" (each with "class",
 // "title", "visible", "locked", "rotation", "bounds" as [x, y, w, h],
-// "attributes" keyed by the attribute keys, "opacity", "layers" for a
-// group's members, and "text" for a text layer: {"string", "fonts": [{"name",
+// "attributes" keyed by the attribute keys, "opacity", "image" with
+// "pixelsWide" and "pixelsHigh" for an image layer, "layers" for a group's
+// members, and "text" for a text layer: {"string", "fonts": [{"name",
 // "size", "shownAs", "fallback"}], "colors"}). Colours read {"rgba": "#rrggbbaa", "colorSpace": name},
 // gradients {"colorSpace", "stops": [{"location", "color"}]}, shadows
 // {"offset": [w, h], "blur", "color"}, points [x, y]. An image has "kind", "width", "height"

@@ -23,6 +23,27 @@ TEST(CliThumbnail, RefusalLineCarriesTheReadersWarning) {
       << result.err;
 }
 
+// A document whose image claims more pixels than a bitmap can hold is
+// refused before anything is decoded, in one line naming the limit.
+TEST(CliThumbnail, ImageAboveThePixelLimitRefusesTheDocumentInOneLine) {
+  const std::string input = WriteIndependentDocument("image-claiming-60000");
+  ASSERT_FALSE(input.empty());
+  for (const char* command : {"thumbnail", "render"}) {
+    SCOPED_TRACE(command);
+    const std::string output = OutputPath(std::string("apps/claiming-") + command + ".png");
+    const ProgramResult result =
+        std::string(command) == "render"
+            ? RunProgram({AppPath("paintdoc"), "render", input, "-o", output})
+            : RunProgram({AppPath("paintdoc"), "thumbnail", input, output});
+    EXPECT_EQ(result.exitStatus, 1);
+    ASSERT_EQ(Lines(result.err).size(), 1u) << result.err;
+    EXPECT_NE(result.err.find("an image in the archive has 60000 x 60000 pixels, more than 32767 "
+                              "a side"),
+              std::string::npos)
+        << result.err;
+  }
+}
+
 // `render --max-memory`: a picture that would need more memory to draw than
 // the limit is refused before drawing, in one line that gives both figures.
 TEST(CliRender, MemoryLimitRefusesBeforeDrawing) {

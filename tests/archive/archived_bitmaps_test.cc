@@ -263,11 +263,20 @@ TEST(ArchivedBitmaps, ImageDataAsInlineBytesDataObjectOrMutableData) {
   // Image file data stored bare where a bitmap is expected decodes too.
   const auto png = WritePNG(*test::MakeImage(2, 2, [](int, int) { return Rgba8{9, 8, 7, 255}; }));
   ASSERT_TRUE(png);
-  const auto archive = TopLevel([&](KeyedArchiver& c) { c.encodeDataForKey(*png, "Image"); });
+  std::vector<uint8_t> cut(png->begin(), png->begin() + 40);
+  const auto archive = TopLevel([&](KeyedArchiver& c) {
+    c.encodeDataForKey(*png, "Image");
+    c.encodeDataForKey(cut, "Broken");
+  });
   KeyedUnarchiver coder(SharedBytes::copyOf(archive));
   const auto bitmap = coder.decodeBitmapForKey("Image");
   ASSERT_TRUE(bitmap);
   EXPECT_EQ(bitmap->pixelAt(1, 1), (Rgba8{9, 8, 7, 255}));
+  // Damaged data reads as nil with a warning; the archive stays readable.
+  LogCapture log;
+  EXPECT_FALSE(coder.decodeBitmapForKey("Broken"));
+  EXPECT_TRUE(coder.isValid());
+  EXPECT_TRUE(log.contains("the image data of the value under \"Broken\" cannot be read (PNG image"));
 }
 
 // --- the image wrappers

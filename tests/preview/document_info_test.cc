@@ -4,7 +4,11 @@
 
 #include <cmath>
 
+#include "document/paint_manager.h"
+#include "platform/values/bitmap.h"
 #include "preview/document_info.h"
+#include "preview/preview_source.h"
+#include "raster/draw_image.h"
 
 namespace paintdoc {
 namespace {
@@ -144,6 +148,27 @@ TEST(DocumentInfo, FilterLayersShowTheirEffectAndSettings) {
   EXPECT_NE(FormatDocumentInfoJson(info).find("\"filter\":{\"name\":\"Blur\",\"settings\":{\"inputRadius\":4.5}}"),
             std::string::npos)
       << FormatDocumentInfoJson(info);
+}
+
+TEST(DocumentInfo, ImageLayersShowTheirPixelsAndOpacity) {
+  auto canvas = PaintManager::withSize({10, 10});
+  auto layer = DrawImage::withImage(Bitmap::create(3, 2));
+  layer->setOpacity(0.25f);
+  auto empty = DrawImage::withImage(Bitmap::create(1, 1));
+  empty->setImage(nullptr);  // its data was unreadable
+  canvas->allDraws() = {layer, empty};
+  PreviewSource source;
+  source.status = PreviewStatus::Document;
+  source.canvas = canvas;
+  source.contentSize = canvas->canvasSize();
+  const DocumentInfo info = DescribePreviewSource(source);
+  const std::string text = FormatDocumentInfoText(info);
+  EXPECT_NE(text.find(" image 3 x 2 pixels opacity 0.25\n"), std::string::npos) << text;
+  EXPECT_NE(text.find(" image none\n"), std::string::npos) << text;
+  const std::string json = FormatDocumentInfoJson(info);
+  EXPECT_NE(json.find("\"opacity\":0.25,\"image\":{\"pixelsWide\":3,\"pixelsHigh\":2}"),
+            std::string::npos)
+      << json;
 }
 
 }  // namespace
