@@ -12,6 +12,7 @@
 #include "platform/values/bitmap.h"
 #include "raster/draw_image.h"
 #include "shapes/draw_shapes.h"
+#include "text/draw_text.h"
 
 namespace paintdoc {
 
@@ -277,6 +278,81 @@ ExampleDocument ShapeSheet() {
   return {"shape-sheet", canvas};
 }
 
+TextAttributes TextStyle(const std::string& font, double size, const Color& color,
+                         TextAlignment alignment = TextAlignment::Left) {
+  TextAttributes attributes;
+  attributes.font = Font{font, size};
+  attributes.foregroundColor = color;
+  ParagraphStyle paragraph = ParagraphStyle::defaultStyle();
+  paragraph.alignment = alignment;
+  attributes.paragraphStyle = paragraph;
+  return attributes;
+}
+
+std::shared_ptr<DrawText> TextBox(const Rect& bounds, AttributedString text) {
+  auto box = Box<DrawText>(bounds);
+  box->setAttributedString(text);
+  return box;
+}
+
+// Text boxes: fonts of the desktop mapped to installed twins, alignment,
+// wrapping, underline, Chinese, Japanese and emoji, and the box effects.
+ExampleDocument Texts() {
+  auto canvas = PaintManager::withSize({720, 540});
+  auto add = [&](const std::shared_ptr<DrawBase>& draw) { canvas->addDraw(draw); };
+  add(Filled(Box<DrawRectangle>(MakeRect(0, 0, 720, 540)), Color::calibratedWhite(0.97)));
+
+  AttributedString title = AttributedString::fromUTF8(
+      "Text boxes\n", TextStyle("Helvetica-Bold", 40, Color::calibratedRGB(0.1, 0.2, 0.5)));
+  TextAttributes underlined = TextStyle("TimesNewRomanPSMT", 20, Color::blackColor());
+  underlined.underlineStyle = underline::kSingle;
+  title.append(Utf8ToUtf16("Times, underlined, "), underlined);
+  TextAttributes red = TextStyle("ArialMT", 20, Color::calibratedRGB(0.8, 0.1, 0.1));
+  red.strikethroughStyle = underline::kSingle;
+  title.append(Utf8ToUtf16("Arial struck through"), red);
+  add(TextBox(MakeRect(30, 400, 660, 120), title));
+
+  add(TextBox(MakeRect(30, 280, 200, 110),
+              AttributedString::fromUTF8("Left aligned text that wraps inside its box",
+                                         TextStyle("Helvetica", 18, Color::blackColor()))));
+  add(TextBox(MakeRect(260, 280, 200, 110),
+              AttributedString::fromUTF8("Centred text that wraps inside its box",
+                                         TextStyle("Helvetica", 18, Color::calibratedRGB(0, 0.45, 0.2),
+                                                   TextAlignment::Center))));
+  add(TextBox(MakeRect(490, 280, 200, 110),
+              AttributedString::fromUTF8("Right aligned text that wraps inside its box",
+                                         TextStyle("Helvetica-Oblique", 18, Color::calibratedRGB(0.5, 0, 0.5),
+                                                   TextAlignment::Right))));
+
+  AttributedString scripts = AttributedString::fromUTF8(
+      "\xe4\xbd\xa0\xe5\xa5\xbd\xef\xbc\x8c\xe4\xb8\x96\xe7\x95\x8c ",
+      TextStyle("PingFangSC-Regular", 28, Color::blackColor()));
+  scripts.append(Utf8ToUtf16("\xe3\x81\x93\xe3\x82\x93\xe3\x81\xab\xe3\x81\xa1\xe3\x81\xaf "),
+                 TextStyle("HiraginoSans-W3", 28, Color::calibratedRGB(0.6, 0.1, 0.1)));
+  scripts.append(Utf8ToUtf16("\xf0\x9f\x8e\xa8\xf0\x9f\x98\x80"),
+                 TextStyle("AppleColorEmoji", 28, Color::blackColor()));
+  add(TextBox(MakeRect(30, 180, 660, 60), scripts));
+
+  auto gradientText = TextBox(
+      MakeRect(30, 40, 400, 120),
+      AttributedString::fromUTF8("Gradient", TextStyle("Helvetica-Bold", 72, Color::blackColor())));
+  gradientText->setFillWithGradient(true);
+  gradientText->setFillGradientDegree(0);
+  gradientText->setFillGradient(Gradient::withStartingColor(Color::calibratedRGB(0.9, 0.2, 0.1),
+                                                            Color::calibratedRGB(0.1, 0.3, 0.9)));
+  gradientText->setEnableShadow(true);
+  gradientText->setShadow(DrawBase::defaultShadow());
+  add(gradientText);
+
+  auto faded = TextBox(MakeRect(460, 40, 230, 120),
+                       AttributedString::fromUTF8("Half opacity in a face that is not installed",
+                                                  TextStyle("NoSuchFace-Bold", 22, Color::blackColor())));
+  faded->setOpacity(0.5f);
+  add(faded);
+  return {"text", canvas};
+}
+
+
 // ---- Image layers and a masked background ----
 
 // A bitmap whose pixel (x, y) (y from the top row) is `pixel(x, y)`, given
@@ -358,7 +434,7 @@ ExampleDocument Images() {
 }  // namespace
 
 std::vector<ExampleDocument> MakeExampleDocuments() {
-  return {Shapes(), Layers(), Effects(), ShapeSheet(), Images()};
+  return {Shapes(), Layers(), Effects(), ShapeSheet(), Texts(), Images()};
 }
 
 }  // namespace paintdoc

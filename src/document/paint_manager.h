@@ -198,6 +198,9 @@ class PaintManager : public Codable {
  private:
   std::shared_ptr<Bitmap> makeCanvasBitmap() const;
   void dropBuffer() { imageBuffer_.reset(); }
+  // After a reorder: drops the buffer when layers below the top moved, else
+  // repaints the top group over it; false when nothing moved.
+  bool respondToReorder(bool belowTopChanged, bool topGroupChanged);
 
   Size size_;
   DrawList aryDraw_;

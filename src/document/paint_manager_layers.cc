@@ -211,6 +211,34 @@ bool PaintManager::canMoveDrawsDown(const DrawList& selection) const {
   return false;
 }
 
+namespace {
+
+// Moves the selected members of a group one step with `exchange`; whether
+// any moved.
+template <class Exchange>
+bool ReorderMembers(const std::shared_ptr<DrawBase>& draw, const DrawSet& selected,
+                    Exchange exchange) {
+  auto group = AsGroup(draw);
+  if (!group || group->draws().empty()) return false;
+  DrawList members = group->draws();
+  if (!exchange(members, selected)) return false;
+  group->setDraws(members);
+  return true;
+}
+
+}  // namespace
+
+bool PaintManager::respondToReorder(bool belowTopChanged, bool topGroupChanged) {
+  if (!belowTopChanged && !topGroupChanged) return false;
+  // Only the top group's members moved: the buffer below it is still right.
+  if (belowTopChanged) {
+    dropBuffer();
+  } else {
+    refreshImage();
+  }
+  return true;
+}
+
 bool PaintManager::moveUpDraws(const DrawList& selection) {
   if (selection.empty() || aryDraw_.empty()) return false;
   const DrawSet selected(selection);
@@ -221,21 +249,11 @@ bool PaintManager::moveUpDraws(const DrawList& selection) {
         !selected.contains(aryDraw_[i + 1])) {
       std::swap(aryDraw_[i], aryDraw_[i + 1]);
       belowTopChanged = true;
-    } else if (auto group = AsGroup(aryDraw_[i]); group && !group->draws().empty()) {
-      DrawList members = group->draws();
-      if (!ExchangeUpwards(members, selected)) continue;
-      group->setDraws(members);
+    } else if (ReorderMembers(aryDraw_[i], selected, ExchangeUpwards)) {
       (i + 1 == aryDraw_.size() ? topGroupChanged : belowTopChanged) = true;
     }
   }
-  if (!belowTopChanged && !topGroupChanged) return false;
-  // Only the top group's members moved: the buffer below it is still right.
-  if (belowTopChanged) {
-    dropBuffer();
-  } else {
-    refreshImage();
-  }
-  return true;
+  return respondToReorder(belowTopChanged, topGroupChanged);
 }
 
 bool PaintManager::moveDownDraws(const DrawList& selection) {
@@ -248,20 +266,11 @@ bool PaintManager::moveDownDraws(const DrawList& selection) {
     if (selected.contains(aryDraw_[i]) && i > lowest && !selected.contains(aryDraw_[i - 1])) {
       std::swap(aryDraw_[i], aryDraw_[i - 1]);
       belowTopChanged = true;
-    } else if (auto group = AsGroup(aryDraw_[i]); group && !group->draws().empty()) {
-      DrawList members = group->draws();
-      if (!ExchangeDownwards(members, selected)) continue;
-      group->setDraws(members);
+    } else if (ReorderMembers(aryDraw_[i], selected, ExchangeDownwards)) {
       (i + 1 == aryDraw_.size() ? topGroupChanged : belowTopChanged) = true;
     }
   }
-  if (!belowTopChanged && !topGroupChanged) return false;
-  if (belowTopChanged) {
-    dropBuffer();
-  } else {
-    refreshImage();
-  }
-  return true;
+  return respondToReorder(belowTopChanged, topGroupChanged);
 }
 
 // ---- Grouping

@@ -9,12 +9,33 @@
 #include "draws/draw_group.h"
 #include "raster/draw_filter.h"
 #include "raster/draw_image.h"
+#include "platform/text/font_mapping.h"
+#include "text/draw_text.h"
 #include "platform/values/bitmap.h"
 #include "preview/preview_source.h"
 
 namespace paintdoc {
 
 namespace {
+
+TextInfo DescribeText(const DrawText& text) {
+  TextInfo info;
+  info.plainText = text.textStorage().utf8Text();
+  for (const Font& font : text.textFonts()) {
+    const bool known = std::any_of(info.fonts.begin(), info.fonts.end(), [&](const TextFontInfo& seen) {
+      return seen.name == font.name && seen.pointSize == font.pointSize;
+    });
+    if (known) continue;
+    const FontFace face = FaceForPostScriptName(font.name);
+    info.fonts.push_back({font.name, font.pointSize, face.displayName(), face.fallback});
+  }
+  for (const Color& color : text.textColors()) {
+    if (std::find(info.colors.begin(), info.colors.end(), color) == info.colors.end()) {
+      info.colors.push_back(color);
+    }
+  }
+  return info;
+}
 
 // `depth` counts the groups around the draw: members of groups nested deeper
 // than groups may be are left out.
@@ -38,6 +59,7 @@ LayerInfo DescribeDraw(const DrawBase& draw, int depth = 0) {
       layer.filterSettings.assign(filter->filterSettings()->begin(), filter->filterSettings()->end());
     }
   }
+  if (const auto* text = dynamic_cast<const DrawText*>(&draw)) layer.text = DescribeText(*text);
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
     layer.isGroup = true;
     if (depth < DrawGroup::kMaxNesting) {
@@ -146,6 +168,23 @@ std::string JsonAttributes(const DrawAttributes& attributes) {
   return out + "}";
 }
 
+void AppendTextJson(std::string& out, const TextInfo& text) {
+  out += ",\"text\":{\"string\":" + JsonString(text.plainText) + ",\"fonts\":[";
+  for (size_t i = 0; i < text.fonts.size(); ++i) {
+    const TextFontInfo& font = text.fonts[i];
+    if (i > 0) out += ",";
+    out += "{\"name\":" + JsonString(font.name) + ",\"size\":" + JsonNumber(font.pointSize) +
+           ",\"shownAs\":" + JsonString(font.shownAs) +
+           ",\"fallback\":" + JsonBool(font.fallback) + "}";
+  }
+  out += "],\"colors\":[";
+  for (size_t i = 0; i < text.colors.size(); ++i) {
+    if (i > 0) out += ",";
+    out += JsonColor(text.colors[i]);
+  }
+  out += "]}";
+}
+
 void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
   out += "[";
   for (size_t i = 0; i < layers.size(); ++i) {
@@ -173,6 +212,7 @@ void AppendLayersJson(std::string& out, const std::vector<LayerInfo>& layers) {
       }
       out += "}}";
     }
+    if (layer.text) AppendTextJson(out, *layer.text);
     if (layer.isGroup) {
       out += ",\"layers\":";
       AppendLayersJson(out, layer.members);
@@ -214,6 +254,13 @@ void AppendLayersText(std::string& out, const std::vector<LayerInfo>& layers, in
       for (const auto& [key, value] : layer.filterSettings) out += " " + key + " " + TextNumber(value);
     }
     out += "\n";
+    if (layer.text) {
+      for (const TextFontInfo& font : layer.text->fonts) {
+        if (!font.fallback) continue;
+        out += std::string(2 * (depth + 2), ' ') + "font " + font.name + " shown as " +
+               font.shownAs + "\n";
+      }
+    }
     AppendLayersText(out, layer.members, depth + 1);
   }
 }

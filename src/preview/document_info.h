@@ -18,6 +18,20 @@ namespace paintdoc {
 
 struct PreviewSource;
 
+// What a text layer shows: its plain text, each font as the document names it
+// and the installed face that shows it, and the text colours, in run order.
+struct TextFontInfo {
+  std::string name;  // PostScript name as archived
+  double pointSize = 0;
+  std::string shownAs;  // installed face
+  bool fallback = false;  // no face of the family or its twins is installed
+};
+struct TextInfo {
+  std::string plainText;
+  std::vector<TextFontInfo> fonts;  // one entry a distinct name and size
+  std::vector<Color> colors;        // one entry a distinct colour
+};
+
 struct LayerInfo {
   std::string className;
   std::string title;
@@ -35,6 +49,7 @@ struct LayerInfo {
   // bitmap, 0 × 0 when it has none (its data was missing or unreadable).
   std::optional<PixelSize> imagePixels;
   std::vector<LayerInfo> members;  // for a group
+  std::optional<TextInfo> text;     // for a text layer
 };
 
 struct DocumentInfo {
@@ -56,8 +71,9 @@ std::string FormatDocumentInfoText(const DocumentInfo& info);
 // "hasBackground", "maskWithBackground" and "layers" (each with "class",
 // "title", "visible", "locked", "rotation", "bounds" as [x, y, w, h],
 // "attributes" keyed by the attribute keys, "opacity", "image" with
-// "pixelsWide" and "pixelsHigh" for an image layer, and "layers" for a
-// group's members). Colours read {"rgba": "#rrggbbaa", "colorSpace": name},
+// "pixelsWide" and "pixelsHigh" for an image layer, "layers" for a group's
+// members, and "text" for a text layer: {"string", "fonts": [{"name",
+// "size", "shownAs", "fallback"}], "colors"}). Colours read {"rgba": "#rrggbbaa", "colorSpace": name},
 // gradients {"colorSpace", "stops": [{"location", "color"}]}, shadows
 // {"offset": [w, h], "blur", "color"}, points [x, y]. An image has "kind", "width", "height"
 // (points) and "pixelsWide", "pixelsHigh".

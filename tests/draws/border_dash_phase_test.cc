@@ -1,10 +1,9 @@
 // The border-dash phase: its animation step, and the task started on first use.
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-
 #include "draws/draw_base.h"
 #include "draws/draw_rectangle.h"
+#include "support/thread_count.h"
 
 namespace paintdoc {
 namespace {
@@ -14,14 +13,7 @@ TEST(BorderDashPhase, StepsThroughTheWholeStepsBelowEightAndWraps) {
   for (const auto& step : steps) EXPECT_EQ(NextBorderDashPhase(step.phase), step.next) << step.phase;
 }
 
-int ThreadCount() {
-  int count = 0;
-  if (DIR* tasks = opendir("/proc/self/task")) {
-    while (const dirent* entry = readdir(tasks)) count += entry->d_name[0] != '.';
-    closedir(tasks);
-  }
-  return count;
-}
+using test::ThreadCount;
 
 // Making and drawing draws starts no thread; the first read of the phase
 // starts exactly one, and later reads no other.

@@ -350,7 +350,7 @@ TEST(DrawCapabilities, PerClass) {
       {"DrawEraser", "nnnynnnnyyyyn" "nnnnnyy"},
       {"DrawAirbrush", "ynnyny" "nyyyyyn" "nnnyyyy"},
       {"DrawClear", "nnnnnnnnyyyyn" "ynnnnyy"},
-      {"DrawFill", "nynnnnnny-yyn" "ynnyyyy"},
+      {"DrawFill", "nynnnnnnynyyn" "ynnyyyy"},  // a mask fill turns by quarter turns only
       {"DrawMagicSelection", "nnnnnnnnyynnn" "ynyynyy"},
       {"DrawSelection", "nnnnnnnnyyyyn" "ynyyyyy"},
       {"DrawCrop", "nnnnnnnnyyyyn" "ynyynyy"},

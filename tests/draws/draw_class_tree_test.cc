@@ -4,7 +4,12 @@
 
 #include "draws/draw_base.h"
 #include "draws/draw_group.h"
-#include "raster/draw_raster.h"
+#include "raster/draw_airbrush.h"
+#include "raster/draw_clear.h"
+#include "raster/draw_eraser.h"
+#include "raster/draw_fill.h"
+#include "raster/draw_magic_selection.h"
+#include "raster/draw_pen.h"
 #include "draws/draw_rectangle.h"
 #include "raster/draw_selections.h"
 #include "raster/draw_image.h"

@@ -11,7 +11,12 @@
 #include <numbers>
 
 #include "document/paint_manager.h"
-#include "raster/draw_raster.h"
+#include "raster/draw_airbrush.h"
+#include "raster/draw_clear.h"
+#include "raster/draw_eraser.h"
+#include "raster/draw_fill.h"
+#include "raster/draw_magic_selection.h"
+#include "raster/draw_pen.h"
 #include "draws/draw_rectangle.h"
 #include "raster/draw_selections.h"
 #include "platform/graphics/graphics_context.h"

@@ -173,3 +173,33 @@ TEST(DocumentInfo, ImageLayersShowTheirPixelsAndOpacity) {
 
 }  // namespace
 }  // namespace paintdoc
+
+namespace paintdoc {
+namespace {
+
+// A text layer adds its string, fonts and colours to the JSON, and the text
+// form reports only the fonts shown by a fallback face.
+TEST(DocumentInfoText, TextLayersListFontsAndReportFallbacks) {
+  LayerInfo layer;
+  layer.className = "DrawText";
+  layer.title = "Hi";
+  TextInfo text;
+  text.plainText = "Hi\n";
+  text.fonts = {{"Helvetica", 12, "Nimbus Sans", false},
+                {"NoSuchFace", 9.5, "DejaVu Sans", true}};
+  text.colors = {Color::calibratedRGB(1, 0, 0)};
+  layer.text = text;
+  const std::string json = FormatDocumentInfoJson(OneLayer(layer));
+  EXPECT_NE(json.find(R"("opacity":0,"text":{"string":"Hi\n","fonts":[)"
+                      R"({"name":"Helvetica","size":12,"shownAs":"Nimbus Sans","fallback":false},)"
+                      R"({"name":"NoSuchFace","size":9.5,"shownAs":"DejaVu Sans","fallback":true}],)"
+                      R"("colors":[{"rgba":"#ff0000ff","colorSpace":"calibrated RGB"}]}})"),
+            std::string::npos)
+      << json;
+  const std::string lines = FormatDocumentInfoText(OneLayer(layer));
+  EXPECT_NE(lines.find("\n    font NoSuchFace shown as DejaVu Sans\n"), std::string::npos) << lines;
+  EXPECT_EQ(lines.find("font Helvetica"), std::string::npos) << lines;
+}
+
+}  // namespace
+}  // namespace paintdoc

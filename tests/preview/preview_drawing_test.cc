@@ -2,14 +2,13 @@
 // process is left with afterwards.
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-
 #include "document/paint_manager.h"
 #include "draws/draw_rectangle.h"
 #include "preview/document_container.h"
 #include "preview/preview_generator.h"
 #include "preview/preview_request.h"
 #include "support/image_test_files.h"
+#include "support/thread_count.h"
 
 namespace paintdoc {
 namespace {
@@ -39,14 +38,7 @@ TEST(PreviewDrawing, ImagesAtAboutScreenResolutionKeepTheirPixelSize) {
   }
 }
 
-int ThreadCount() {
-  int count = 0;
-  if (DIR* tasks = opendir("/proc/self/task")) {
-    while (const dirent* entry = readdir(tasks)) count += entry->d_name[0] != '.';
-    closedir(tasks);
-  }
-  return count;
-}
+using test::ThreadCount;
 
 // A preview runs on its caller's thread: a file manager's thumbnailer, a
 // server's worker or a plug-in host is left with no thread it did not start,
